@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// OdDbBlockReference: one placed symbol, with its attributes.
+#pragma once
+
+#include "drawing/text.h"
+
+/// A reference to a block. Angles in radians; the position is in the object coordinate system of the normal.
+class LM_DRAWING_API OdDbBlockReference : public OdDbEntity {
+    LM_RX_CLASS(OdDbBlockReference)
+public:
+    OdDbBlockReference();
+    /// A copy outside any database with copies of the attributes.
+    OdDbBlockReference(const OdDbBlockReference& other);
+    ~OdDbBlockReference() override;
+
+    OdGePoint3d position() const { return m_position; }
+    void setPosition(const OdGePoint3d& point);
+    double rotation() const { return m_rotation; }
+    void setRotation(double radians);
+    OdGeScale3d scaleFactors() const { return m_scale; }
+    void setScaleFactors(const OdGeScale3d& scale);
+    OdGeVector3d normal() const { return m_normal; }
+    void setNormal(const OdGeVector3d& normal);
+    /// The block's record; null is accepted and gives a reference to nothing.
+    OdDbObjectId blockTableRecord() const { return m_block; }
+    void setBlockTableRecord(OdDbObjectId id);
+    /// Place, turn, scale and shift by minus the block's origin, in this order from the left.
+    OdGeMatrix3d blockTransform() const;
+
+    /// A walk over the attributes, empty when there are none; null only where a test asks for it.
+    OdSmartPtr<OdDbObjectIterator> attributeIterator() const;
+    /// Adds an attribute behind the others; the reference owns it. On a resident reference it becomes
+    /// resident, is left write-enabled, and its id is the result; outside a database the result is null.
+    OdDbObjectId appendAttribute(OdSmartPtr<OdDbAttribute> attribute);
+    /// Makes attributeIterator answer null, which the ordinary database never does. For tests.
+    void setWithoutIterator(bool without) { m_withoutIterator = without; }
+
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
+
+protected:
+    void subBecomeResident() override;
+
+private:
+    friend struct lm::drawing::ClassSpecs;
+    friend struct lm::drawing::ObjectAccess;
+    OdGePoint3d m_position;
+    OdGeVector3d m_normal{0, 0, 1};
+    OdGeScale3d m_scale;
+    double m_rotation = 0;
+    OdDbObjectId m_block;
+    bool m_withoutIterator = false;
+    std::unique_ptr<std::vector<OdSmartPtr<OdDbAttribute>>> m_outside; // attributes while outside a database
+};

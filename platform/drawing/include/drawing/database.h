@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// OdDbDatabase: one drawing in memory. Objects are found by handle in constant time, owners know their parts,
+// and blocks know their references. A drawing read from a file keeps the file's own groups, so that what
+// nobody reads is neither lost nor paid for.
+//
+//     OdSmartPtr<OdDbDatabase> db = lm::drawing::readDrawing(path, {});
+//     OdDbObjectId id = db->getOdDbObjectId(OdDbHandle(0x2F), false, 0);
+#pragma once
+
+#include "drawing/dictionary.h"
+#include "drawing/symboltable.h"
+
+namespace lm::drawing {
+struct DatabaseData;
+class Report;
+} // namespace lm::drawing
+
+/// A drawing. A database belongs to one thread. Its objects end with it; a smart pointer that outlives it
+/// keeps its object alive outside any database.
+class LM_DRAWING_API OdDbDatabase : public OdRxObject {
+    LM_RX_CLASS(OdDbDatabase)
+public:
+    /// What a new database holds: everything that a drawing needs, or nothing yet (for readers).
+    enum Content { kDefaults, kNothing };
+
+    explicit OdDbDatabase(Content content = kDefaults);
+    ~OdDbDatabase() override;
+    OdDbDatabase(const OdDbDatabase&) = delete;
+    OdDbDatabase& operator=(const OdDbDatabase&) = delete;
+
+    /// Ids of the tables and of the fixed entries; null where a damaged or stripped database has none.
+    OdDbObjectId getBlockTableId() const;
+    OdDbObjectId getLayerTableId() const;
+    OdDbObjectId getLinetypeTableId() const;
+    OdDbObjectId getTextStyleTableId() const;
+    OdDbObjectId getRegAppTableId() const;
+    OdDbObjectId getViewportTableId() const;
+    OdDbObjectId getViewTableId() const;
+    OdDbObjectId getNamedObjectsDictionaryId() const;
+    OdDbObjectId getModelSpaceId() const;
+    OdDbObjectId getPaperSpaceId() const;
+    OdDbObjectId getLayerZeroId() const;
+    OdDbObjectId getLinetypeByBlockId() const;
+    OdDbObjectId getLinetypeByLayerId() const;
+    OdDbObjectId getLinetypeContinuousId() const;
+    OdDbObjectId getTextStyleStandardId() const;
+
+    /// The id of a handle: null for 0 and for an unknown handle. An erased object's handle still gives its
+    /// id. Nothing is created; `createIfNotFound` and `xref` are accepted and not used.
+    OdDbObjectId getOdDbObjectId(const OdDbHandle& handle, bool createIfNotFound = false,
+                                 unsigned int xref = 0) const;
+    /// Adds an object that is no entity and no table record under an owner; gives its id.
+    OdDbObjectId addOdDbObject(OdSmartPtr<OdDbObject> object, OdDbObjectId owner);
+
+    /// A system variable as a record, or null: "CLAYER" under group 330 with the layer's id; "DWGNAME" and
+    /// "DWGPREFIX" as texts, none for a drawing without a file; other names as the file's header has them,
+    /// without the "$".
+    OdSmartPtr<OdResBuf> getSysVar(const OdString& name) const;
+    /// Sets "CLAYER" from a record with group 330. False, with nothing changed, for a null, erased or foreign
+    /// id, an id of no layer, and any other name.
+    bool setSysVar(const OdString& name, OdSmartPtr<OdResBuf> value);
+    /// Lets "CLAYER" answer as a text instead of an id. For tests.
+    void setCurrentLayerAsText(bool asText);
+    OdDbObjectId getCLAYER() const;
+    /// The base point: where a drawing is held when it is inserted as a block.
+    OdGePoint3d getINSBASE() const;
+    void setINSBASE(const OdGePoint3d& point);
+
+    /// Whether blockUndoRecording(true) is open.
+    bool isUndoBlockStarted() const;
+    /// Opens (true) or closes (false) a block of which everything belongs to one step. Blocks don't nest.
+    void blockUndoRecording(bool begin);
+    /// Sets a mark that one undo step goes back to.
+    void startUndoRecord();
+    /// Marks set so far, a block counting as one.
+    unsigned int undoMarks() const;
+
+    /// Full path of the file, empty for a new drawing.
+    OdString getFilename() const;
+    void setFilename(const OdString& path);
+    /// Version text of the file that was read, such as "AC1032".
+    OdString originalFileVersion() const;
+    /// Code page as the file named it, empty when it named none.
+    OdString originalCodePage() const;
+    /// How many application ids extended data brought along that nobody had registered before.
+    unsigned int silentRegistrations() const;
+    /// What the reader mended.
+    const lm::drawing::Report& report() const;
+
+    /// Whether the last smart pointer ends the database. A document's database is not managed by its count.
+    void setCountManaged(bool managed) { m_countManaged = managed; }
+    void addRef() override { ++m_refs; }
+    void release() override;
+    long numRefs() const override { return m_refs; }
+
+    lm::drawing::DatabaseData& data() const { return *m_data; }
+
+private:
+    std::unique_ptr<lm::drawing::DatabaseData> m_data;
+    long m_refs = 1;
+    bool m_countManaged = true;
+};

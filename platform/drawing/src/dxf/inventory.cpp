@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "drawing/inventory.h"
+
+#include "dxf/read.h"
+
+#include <map>
+
+namespace lm::drawing {
+
+namespace {
+
+constexpr int kApplication = 1001;
+
+bool isRead(const Stub& stub) {
+    if (stub.kind == kKindTable || stub.kind == kKindBlock || stub.kind == kKindEndblk ||
+        stub.kind == kKindSeqend)
+        return true;
+    const OdRxClass* unread[] = {OdDbUnreadEntity::desc(), OdDbUnreadObject::desc(),
+                                 OdDbUnreadTableRecord::desc()};
+    const OdSmartPtr<OdDbObject> probe(specOf(stub).make(), kAttach);
+    for (const OdRxClass* cls : unread)
+        if (probe->isA() == cls) return false;
+    return true;
+}
+
+/// Answers isRead for each kind and place once.
+class ReadKinds {
+public:
+    bool operator()(const Stub& stub) {
+        const std::uint32_t key =
+            static_cast<std::uint32_t>(stub.kind) << 8 | (stub.flags & (Stub::kEntity | Stub::kTableRecord));
+        const auto known = m_known.find(key);
+        if (known != m_known.end()) return known->second;
+        return m_known[key] = isRead(stub);
+    }
+
+private:
+    std::map<std::uint32_t, bool> m_known;
+};
+
+std::vector<OdString> applicationsOf(const DatabaseData& data, const Stub& stub) {
+    std::vector<OdString> names;
+    const Values values(*data.source);
+    forEachGroup(*data.source, stub, [&](const Group& group) {
+        bool bad = false;
+        if (group.code == kApplication) names.push_back(values.sharedText(group, bad));
+        return true;
+    });
+    return names;
+}
+
+std::vector<OdString> applicationsOf(const OdDbObject& object) {
+    std::vector<OdString> names;
+    const OdSmartPtr<OdResBuf> chain = object.xData();
+    for (const OdResBuf* at = chain.get(); at != nullptr; at = at->next().get())
+        if (at->restype() == kApplication) names.push_back(at->getString());
+    return names;
+}
+
+bool isSectionRead(const std::string& name) {
+    return name == "HEADER" || name == "TABLES" || name == "BLOCKS" || name == "ENTITIES" ||
+           name == "OBJECTS";
+}
+
+template<class Map>
+std::vector<std::pair<std::string, std::size_t>> flat(const Map& counts) {
+    return {counts.begin(), counts.end()};
+}
+
+} // namespace
+
+Inventory takeInventory(const OdDbDatabase& database) {
+    DatabaseData& data = database.data();
+    Inventory result;
+    std::map<std::string, std::size_t> kept;
+    std::map<std::uint16_t, std::size_t> unread;
+    ReadKinds isReadKind;
+    data.stubs.forEach([&](Stub& stub) {
+        if (!stub.isLive() || stub.kind == kKindNone) return;
+        if (!isReadKind(stub)) ++unread[stub.kind];
+        // An object that wasn't read yet is asked in its groups; reading it would only take memory.
+        const bool fromFile = data.source != nullptr && stub.body == nullptr;
+        std::vector<OdString> names;
+        if (fromFile)
+            names = applicationsOf(data, stub);
+        else if (stub.body != nullptr)
+            names = applicationsOf(*stub.body);
+        if (!names.empty())
+            result.xdata.push_back(
+                {OdDbObjectId(&stub), std::string(data.kinds.name(stub.kind)), std::move(names)});
+    });
+    for (const auto& [kind, count] : unread) kept[std::string(data.kinds.name(kind))] += count;
+    for (const Section& section : data.sections)
+        if (!isSectionRead(section.name)) ++kept["SECTION " + section.name];
+    result.kept = flat(kept);
+
+    std::map<std::string, std::size_t> entities;
+    if (const Stub* const space = data.fixed.modelSpace)
+        for (const Stub* part = space->firstPart; part != nullptr; part = part->next)
+            if (!part->isErased() && part->kind != kKindSeqend)
+                ++entities[std::string(data.kinds.name(part->kind))];
+    result.modelSpace = flat(entities);
+    return result;
+}
+
+} // namespace lm::drawing

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "dxf/read.h"
+
+#include "dxf/resolver.h"
+
+#include "drawing/blockreference.h"
+
+namespace lm::drawing {
+
+namespace {
+
+constexpr int kSubclass = 100;
+constexpr int kEmbedded = 101;
+constexpr int kBraces = 102;
+constexpr int kComment = 999;
+constexpr int kFirstXData = 1000;
+constexpr int kApplication = 1001;
+constexpr std::string_view kXrecordMark = "AcDbXrecord";
+
+/// Keeps track of the groups that are no fields of the entry itself: braces with the ids of reactors and
+/// dictionaries, objects that are embedded in an entry, and the xrecord that an attribute with several lines
+/// carries along, whose codes mean something else than the attribute's own.
+class PlaceInEntry {
+public:
+    /// Whether the group is a field of the entry.
+    bool isField(const Group& group) {
+        if (group.code == kBraces) {
+            const std::string_view text = stripped(group.raw());
+            m_braces = !text.empty() && text.front() == '{';
+            return false;
+        }
+        if (group.code == kEmbedded) m_embedded = true;
+        if (group.code == kSubclass && stripped(group.raw()) == kXrecordMark) m_xrecord = true;
+        return !m_xrecord && !m_braces && !m_embedded && group.code != kSubclass && group.code != kComment;
+    }
+    bool isEmbedded() const { return m_embedded; }
+
+private:
+    bool m_braces = false;
+    bool m_embedded = false;
+    bool m_xrecord = false;
+};
+
+void reportBad(ReadContext& context, const Group& group) {
+    const Source& source = context.values.source();
+    Report& report = context.data.report;
+    // Lines are counted from the start for each report, so only those that are kept are given one.
+    const auto place = [&](Defect defect) {
+        return report.count(defect) < Report::kKept ? source.placeOf(group.data) : 0;
+    };
+    if (context.bad)
+        report.add({Defect::kBadNumber, context.stub.handle, place(Defect::kBadNumber),
+                    "group " + std::to_string(group.code) + ", found \"" +
+                        (source.binary ? std::string("?") : std::string(group.raw().substr(0, 60))) +
+                        "\", taken as 0"});
+    if (context.badText)
+        report.add({Defect::kBadText, context.stub.handle, place(Defect::kBadText),
+                    "group " + std::to_string(group.code)});
+    context.bad = context.badText = false;
+}
+
+/// Tells whether the entry had an embedded object; its fields go into `embedded` unless that is null.
+bool readFields(OdDbObject& object, const ClassSpec& spec, const Source& source, const Stub& place,
+                ReadContext& context, OdDbMText* embedded) {
+    PlaceInEntry where;
+    forEachGroup(source, place, [&](const Group& group) {
+        if (group.code >= kFirstXData) return false;
+        const bool field = where.isField(group);
+        if (!field && !(where.isEmbedded() && embedded != nullptr)) return true;
+        OdDbObject& target = field ? object : *embedded;
+        const FieldSpec* const row = (field ? spec : mtextSpec()).find(group.code);
+        if (row == nullptr) return true;
+        row->read(target, group, context);
+        if (context.bad || context.badText) reportBad(context, group);
+        return true;
+    });
+    return where.isEmbedded();
+}
+
+/// A record of a chain from a group; the components of a point come together.
+class ChainBuilder {
+public:
+    explicit ChainBuilder(const Values& values) : m_values(values) {}
+
+    void add(const Group& group) {
+        bool bad = false;
+        const int base = pointBase(group.code);
+        if (base >= 0 && !m_tail.isNull() && m_tail->payload() == OdResBuf::kPoint && m_pointCode == base &&
+            (group.code - base) / 10 == m_next) {
+            OdGePoint3d point = m_tail->getPoint3d();
+            (m_next == 1 ? point.y : point.z) = m_values.real(group, bad);
+            m_tail->setPoint3d(point);
+            ++m_next;
+            return;
+        }
+        OdSmartPtr<OdResBuf> record = OdResBuf::newRb(group.code);
+        m_next = 3;
+        fill(*record.get(), group, bad);
+        if (m_head.isNull())
+            m_head = record;
+        else
+            m_tail->setNext(record);
+        m_tail = record;
+    }
+    OdSmartPtr<OdResBuf> take() {
+        OdSmartPtr<OdResBuf> head = m_head;
+        m_head.release();
+        m_tail.release();
+        return head;
+    }
+    bool isEmpty() const { return m_head.isNull(); }
+
+private:
+    /// The code of the x component that a code belongs to, or -1.
+    static int pointBase(int code) {
+        if (code >= 10 && code <= 39) return 10 + code % 10;
+        if (code >= 110 && code <= 139) return 110 + code % 10;
+        if (code >= 210 && code <= 239) return 210 + code % 10;
+        if (code >= 1010 && code <= 1039) return 1010 + code % 10;
+        return -1;
+    }
+    void fill(OdResBuf& record, const Group& group, bool& bad) {
+        switch (valueTypeOf(group.code)) {
+        case ValueType::kReal: {
+            const double value = m_values.real(group, bad);
+            if (pointBase(group.code) == group.code) {
+                record.setPoint3d({value, 0, 0});
+                m_pointCode = group.code;
+                m_next = 1;
+            } else {
+                record.setDouble(value);
+            }
+            break;
+        }
+        case ValueType::kInt16:
+        case ValueType::kInt32:
+        case ValueType::kInt64:
+        case ValueType::kBool:
+            record.setInt64(m_values.integer(group, bad));
+            break;
+        case ValueType::kBinary:
+            record.setBinary(m_values.binary(group, bad));
+            break;
+        default:
+            record.setString(m_values.text(group, bad));
+        }
+    }
+
+    const Values& m_values;
+    OdSmartPtr<OdResBuf> m_head, m_tail;
+    int m_pointCode = -1;
+    int m_next = 3; // component of an open point that comes next
+};
+
+void readXrecord(OdDbXrecord& record, const Source& source, const Stub& stub, const Values& values) {
+    constexpr int kCloning = 280;
+    ChainBuilder chain(values);
+    bool inside = false;
+    forEachGroup(source, stub, [&](const Group& group) {
+        if (group.code >= kFirstXData) return false;
+        if (group.code == kComment) return true;
+        if (!inside) {
+            inside = group.code == kSubclass && stripped(group.raw()) == kXrecordMark;
+        } else if (!(chain.isEmpty() && group.code == kCloning)) {
+            chain.add(group);
+        }
+        return true;
+    });
+    record.setFromRbChain(chain.take());
+}
+
+} // namespace
+
+void readBody(DatabaseData& data, Stub& stub) {
+    const KindSpec& kind = specOf(stub);
+    OdSmartPtr<OdDbObject> object(kind.make(), kAttach);
+    if (data.source != nullptr && stub.length != 0) {
+        const Source& source = *data.source;
+        const Values values(source);
+        ReadContext context{data, values, stub};
+        OdSmartPtr<OdDbMText> embedded;
+        const bool mayEmbed = stub.kind == kKindAttrib || stub.kind == kKindAttdef;
+        if (mayEmbed && hasEmbeddedObject(source, stub))
+            embedded = OdSmartPtr<OdDbMText>(new OdDbMText(), kAttach);
+        // The words that the look-out went by may also stand in a text.
+        if (!readFields(*object.get(), *kind.fields, source, stub, context, embedded.get()))
+            embedded.release();
+        if (auto* attribute = OdDbAttribute::cast(object.get()); attribute != nullptr && !embedded.isNull())
+            attribute->setMTextAttribute(embedded);
+        if (auto* definition = OdDbAttributeDefinition::cast(object.get());
+            definition != nullptr && !embedded.isNull())
+            definition->setMTextAttributeDefinition(embedded);
+        if (auto* record = OdDbXrecord::cast(object.get())) readXrecord(*record, source, stub, values);
+    }
+    if (auto* entity = OdDbEntity::cast(object.get()))
+        if (OdDbObjectId& layer = ObjectAccess::layerOf(*entity); layer.isNull())
+            layer = OdDbObjectId(data.fixed.layerZero);
+    stub.body = object.get();
+    ObjectAccess::setStub(*object.get(), &stub);
+    ObjectAccess::setRefs(*object.detach(), 0);
+}
+
+bool hasEmbeddedObject(const Source& source, const Stub& stub) {
+    constexpr std::string_view kMark = "Embedded Object";
+    return ::memmem(source.begin() + stub.offset, stub.length, kMark.data(), kMark.size()) != nullptr;
+}
+
+void readFieldsFrom(DatabaseData& data, Stub& from, OdDbObject& object, const ClassSpec& spec) {
+    if (data.source == nullptr) return;
+    const Values values(*data.source);
+    ReadContext context{data, values, from};
+    readFields(object, spec, *data.source, from, context, nullptr);
+}
+
+void readXData(Stub& stub, const std::function<void(const OdString&, OdSmartPtr<OdResBuf>)>& take) {
+    const DatabaseData& data = stub.database()->data();
+    if (data.source == nullptr || stub.length == 0) return;
+    const Values values(*data.source);
+    ChainBuilder chain(values);
+    OdString application;
+    const auto flush = [&] {
+        if (!chain.isEmpty()) take(application, chain.take());
+    };
+    forEachGroup(*data.source, stub, [&](const Group& group) {
+        if (group.code < kFirstXData) return true;
+        if (group.code == kApplication) {
+            flush();
+            bool bad = false;
+            application = values.sharedText(group, bad);
+        } else if (chain.isEmpty()) {
+            return true; // data before any application belongs to nobody
+        }
+        chain.add(group);
+        return true;
+    });
+    flush();
+}
+
+OdSmartPtr<OdResBuf> readHeaderVariable(const DatabaseData& data, std::string_view name) {
+    for (const HeaderVariable& variable : data.header) {
+        if (variable.name.size() != name.size() + 1 || variable.name.substr(1) != name) continue;
+        Stub place;
+        place.offset = variable.offset;
+        place.length = variable.length;
+        const Values values(*data.source);
+        ChainBuilder chain(values);
+        forEachGroup(*data.source, place, [&](const Group& group) {
+            if (group.code != kComment) chain.add(group);
+            return true;
+        });
+        return chain.take();
+    }
+    return {};
+}
+
+} // namespace lm::drawing

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "dxf/resolver.h"
+
+namespace lm::drawing {
+
+namespace {
+
+std::string folded(WideView name) {
+    WideString lower(name);
+    for (WideChar& unit : lower) unit = system::toLower(unit);
+    return system::toUtf8(lower);
+}
+
+} // namespace
+
+Stub* DatabaseData::Resolver::tableOf(Names table) const {
+    switch (table) {
+    case Names::kLayers:
+        return data.fixed.layerTable;
+    case Names::kLinetypes:
+        return data.fixed.linetypeTable;
+    case Names::kStyles:
+        return data.fixed.styleTable;
+    case Names::kBlocks:
+        return data.fixed.blockTable;
+    }
+    return nullptr;
+}
+
+Stub* DatabaseData::Resolver::lookUp(Names table, Memo& memo, std::string_view bytes) {
+    Stub* const head = tableOf(table);
+    if (head == nullptr) return nullptr;
+    bool bad = false;
+    const OdString name = data.source->decoder.decode(bytes, bad);
+    if (Stub* const exact = data.tableRecord(head, name)) return exact;
+    if (!memo.foldedReady) {
+        memo.foldedReady = true;
+        for (Stub* record = head->firstPart; record != nullptr; record = record->next) {
+            const auto* body = static_cast<OdDbSymbolTableRecord*>(data.bodyOf(record));
+            memo.folded.emplace(folded(body->getName().view()), record);
+        }
+    }
+    const auto found = memo.folded.find(folded(name.view()));
+    return found != memo.folded.end() ? found->second : nullptr;
+}
+
+Stub* DatabaseData::Resolver::findSlowly(Names table, std::string_view bytes) {
+    Memo& memo = memos[static_cast<int>(table)];
+    const auto known = memo.known.find(bytes);
+    Stub* const stub = known != memo.known.end() ? known->second : lookUp(table, memo, bytes);
+    if (known == memo.known.end()) memo.known.emplace(bytes, stub);
+    memo.lastBytes = bytes;
+    memo.lastStub = stub;
+    return stub;
+}
+
+void DatabaseData::Resolver::set(Names table, std::string_view bytes, Stub* stub) {
+    Memo& memo = memos[static_cast<int>(table)];
+    memo.known[bytes] = stub;
+    memo.lastStub = nullptr;
+}
+
+} // namespace lm::drawing

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Names in the groups of a file: which entry of a table a layer, line type, style or block name stands for. A
+// name resolves exactly first, then ignoring case, since files are lenient about it.
+#pragma once
+
+#include "dxf/cursor.h"
+#include "model/databasedata.h"
+
+#include <unordered_map>
+
+namespace lm::drawing {
+
+enum class Names { kLayers, kLinetypes, kStyles, kBlocks };
+
+struct DatabaseData::Resolver {
+    explicit Resolver(DatabaseData& owner) : data(owner) {}
+
+    /// The entry of a name as the file's bytes have it; null when the table lacks it.
+    Stub* find(Names table, std::string_view bytes) {
+        Memo& memo = memos[static_cast<int>(table)];
+        if (memo.lastStub != nullptr && memo.lastBytes == bytes) return memo.lastStub;
+        return findSlowly(table, bytes);
+    }
+    /// Lets a name stand for an entry.
+    void set(Names table, std::string_view bytes, Stub* stub);
+    /// Forgets everything: the tables changed.
+    void clear() {
+        for (Memo& memo : memos) memo = Memo();
+    }
+
+private:
+    struct Memo {
+        std::string_view lastBytes;
+        Stub* lastStub = nullptr;
+        std::unordered_map<std::string_view, Stub*> known; // keys lie in the source
+        std::unordered_map<std::string, Stub*> folded;
+        bool foldedReady = false;
+    };
+    Stub* findSlowly(Names table, std::string_view bytes);
+    Stub* lookUp(Names table, Memo& memo, std::string_view bytes);
+    Stub* tableOf(Names table) const;
+
+    DatabaseData& data;
+    Memo memos[4];
+};
+
+} // namespace lm::drawing

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+#include "drawing/database.h"
+
+#include "base/rxclass.h"
+#include "dxf/read.h"
+#include "dxf/resolver.h"
+#include "model/databasedata.h"
+
+using lm::drawing::DatabaseData;
+using lm::drawing::ObjectAccess;
+using lm::drawing::Stub;
+
+LM_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject)
+
+OdDbDatabase::OdDbDatabase(Content content) : m_data(std::make_unique<DatabaseData>(*this)) {
+    if (content == kDefaults) lm::drawing::addDefaults(*m_data);
+}
+
+OdDbDatabase::~OdDbDatabase() = default;
+
+void OdDbDatabase::release() {
+    if (--m_refs == 0 && m_countManaged) delete this;
+}
+
+OdDbObjectId OdDbDatabase::getBlockTableId() const {
+    return OdDbObjectId(m_data->fixed.blockTable);
+}
+OdDbObjectId OdDbDatabase::getLayerTableId() const {
+    return OdDbObjectId(m_data->fixed.layerTable);
+}
+OdDbObjectId OdDbDatabase::getLinetypeTableId() const {
+    return OdDbObjectId(m_data->fixed.linetypeTable);
+}
+OdDbObjectId OdDbDatabase::getTextStyleTableId() const {
+    return OdDbObjectId(m_data->fixed.styleTable);
+}
+OdDbObjectId OdDbDatabase::getRegAppTableId() const {
+    return OdDbObjectId(m_data->fixed.appTable);
+}
+OdDbObjectId OdDbDatabase::getViewportTableId() const {
+    return OdDbObjectId(m_data->fixed.viewportTable);
+}
+OdDbObjectId OdDbDatabase::getViewTableId() const {
+    return OdDbObjectId(m_data->fixed.viewTable);
+}
+OdDbObjectId OdDbDatabase::getNamedObjectsDictionaryId() const {
+    return OdDbObjectId(m_data->fixed.dictionary);
+}
+OdDbObjectId OdDbDatabase::getModelSpaceId() const {
+    return OdDbObjectId(m_data->fixed.modelSpace);
+}
+OdDbObjectId OdDbDatabase::getPaperSpaceId() const {
+    return OdDbObjectId(m_data->fixed.paperSpace);
+}
+OdDbObjectId OdDbDatabase::getLayerZeroId() const {
+    return OdDbObjectId(m_data->fixed.layerZero);
+}
+OdDbObjectId OdDbDatabase::getLinetypeByBlockId() const {
+    return OdDbObjectId(m_data->fixed.byBlock);
+}
+OdDbObjectId OdDbDatabase::getLinetypeByLayerId() const {
+    return OdDbObjectId(m_data->fixed.byLayer);
+}
+OdDbObjectId OdDbDatabase::getLinetypeContinuousId() const {
+    return OdDbObjectId(m_data->fixed.continuous);
+}
+OdDbObjectId OdDbDatabase::getTextStyleStandardId() const {
+    return OdDbObjectId(m_data->fixed.standardStyle);
+}
+
+OdDbObjectId OdDbDatabase::getOdDbObjectId(const OdDbHandle& handle, bool, unsigned int) const {
+    return OdDbObjectId(handle.isNull() ? nullptr : m_data->handles.find(handle.value()));
+}
+
+OdDbObjectId OdDbDatabase::addOdDbObject(OdSmartPtr<OdDbObject> object, OdDbObjectId owner) {
+    std::uint16_t kind = lm::drawing::kKindNone;
+    if (object->isKindOf(OdDbDictionary::desc())) kind = lm::drawing::kKindDictionary;
+    if (object->isKindOf(OdDbXrecord::desc())) kind = lm::drawing::kKindXrecord;
+    return OdDbObjectId(lm::drawing::makeResident(*m_data, *object.get(), kind, owner.stub(), false));
+}
+
+OdDbObjectId OdDbDatabase::getCLAYER() const {
+    return OdDbObjectId(m_data->currentLayer);
+}
+void OdDbDatabase::setCurrentLayerAsText(bool asText) {
+    m_data->currentLayerAsText = asText;
+}
+OdGePoint3d OdDbDatabase::getINSBASE() const {
+    return m_data->basePoint;
+}
+void OdDbDatabase::setINSBASE(const OdGePoint3d& point) {
+    m_data->basePoint = point;
+}
+
+namespace {
+
+/// The last separator of a path, either of the two, or npos.
+std::size_t lastSeparator(lm::WideView path) {
+    for (std::size_t i = path.size(); i > 0; --i)
+        if (path[i - 1] == '/' || path[i - 1] == '\\') return i - 1;
+    return lm::WideView::npos;
+}
+
+} // namespace
+
+OdSmartPtr<OdResBuf> OdDbDatabase::getSysVar(const OdString& name) const {
+    constexpr int kText = 1, kId = 330;
+    const std::string ascii = lm::drawing::utf8(name);
+    if (ascii == "CLAYER") {
+        if (m_data->currentLayer == nullptr) return {};
+        if (m_data->currentLayerAsText) {
+            const OdSmartPtr<OdDbSymbolTableRecord> layer(getCLAYER().openObject(OdDb::kForRead, true));
+            return OdResBuf::newRb(kText, layer->getName());
+        }
+        OdSmartPtr<OdResBuf> record = OdResBuf::newRb(kId);
+        record->setObjectId(getCLAYER());
+        return record;
+    }
+    if (ascii == "DWGNAME" || ascii == "DWGPREFIX") {
+        if (m_data->fileName.isEmpty()) return {};
+        const lm::WideView path = m_data->fileName.view();
+        const std::size_t slash = lastSeparator(path);
+        const std::size_t head = slash == lm::WideView::npos ? 0 : slash + 1;
+        return OdResBuf::newRb(kText,
+                               OdString(ascii == "DWGNAME" ? path.substr(head) : path.substr(0, head)));
+    }
+    return lm::drawing::readHeaderVariable(*m_data, ascii);
+}
+
+bool OdDbDatabase::setSysVar(const OdString& name, OdSmartPtr<OdResBuf> value) {
+    if (value.isNull() || lm::drawing::utf8(name) != "CLAYER") return false;
+    const OdDbObjectId id = value->getObjectId();
+    if (!id.isValid() || id.isErased() || id.database() != this) return false;
+    if (OdDbLayerTableRecord::cast(id.openObject().get()) == nullptr) return false;
+    m_data->currentLayer = id.stub();
+    return true;
+}
+
+bool OdDbDatabase::isUndoBlockStarted() const {
+    return m_data->undoBlock;
+}
+
+void OdDbDatabase::blockUndoRecording(bool begin) {
+    m_data->undoBlock = begin;
+}
+
+void OdDbDatabase::startUndoRecord() {
+    // Marks that come inside a block belong to its one step.
+    if (!m_data->undoBlock) ++m_data->undoMarkCount;
+}
+
+unsigned int OdDbDatabase::undoMarks() const {
+    return m_data->undoMarkCount;
+}
+
+OdString OdDbDatabase::getFilename() const {
+    return m_data->fileName;
+}
+void OdDbDatabase::setFilename(const OdString& path) {
+    m_data->fileName = path;
+}
+OdString OdDbDatabase::originalFileVersion() const {
+    return lm::drawing::odText(m_data->version);
+}
+OdString OdDbDatabase::originalCodePage() const {
+    return lm::drawing::odText(m_data->codePage);
+}
+unsigned int OdDbDatabase::silentRegistrations() const {
+    return m_data->silentRegistrations;
+}
+const lm::drawing::Report& OdDbDatabase::report() const {
+    return m_data->report;
+}
+
+namespace lm::drawing {
+
+DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), stubs(db) {}
+
+DatabaseData::~DatabaseData() {
+    // Objects that somebody still holds live on outside; what they need of the source is read now. After that
+    // no id finds its object any more.
+    std::vector<OdDbObject*> held;
+    stubs.forEach([&held](Stub& stub) {
+        if (stub.body != nullptr && ObjectAccess::refs(*stub.body) > 0) held.push_back(stub.body);
+    });
+    for (OdDbObject* object : held) ObjectAccess::detachFromDatabase(*object);
+    stubs.forgetDatabase();
+    stubs.forEach([](Stub& stub) {
+        if (stub.body != nullptr && ObjectAccess::refs(*stub.body) == 0) delete stub.body;
+        stub.body = nullptr;
+    });
+}
+
+std::uint64_t DatabaseData::freeHandle() {
+    while (nextHandle == 0 || handles.find(nextHandle) != nullptr) ++nextHandle;
+    return nextHandle++;
+}
+
+Stub* DatabaseData::makeEntry(std::uint16_t kind) {
+    Stub* const stub = stubs.make();
+    stub->kind = kind;
+    stub->flags = Stub::kDirty;
+    stub->handle = freeHandle();
+    handles.insert(stub->handle, stub);
+    return stub;
+}
+
+Stub* DatabaseData::adopt(OdDbObject* body, std::uint16_t kind) {
+    Stub* const stub = makeEntry(kind);
+    stub->body = body;
+    ObjectAccess::setStub(*body, stub);
+    return stub;
+}
+
+OdDbObject* DatabaseData::bodyOf(Stub* stub) {
+    if (stub->body == nullptr) readBody(*this, *stub);
+    return stub->body;
+}
+
+Stub* DatabaseData::tableRecord(Stub* table, const OdString& name) const {
+    if (table == nullptr) return nullptr;
+    const auto* body = static_cast<OdDbSymbolTable*>(const_cast<DatabaseData*>(this)->bodyOf(table));
+    Stub* const found = ObjectAccess::findName(*body, name);
+    return found != nullptr && !found->isErased() ? found : nullptr;
+}
+
+void registerApplication(DatabaseData& data, const OdString& name) {
+    Stub* const table = data.fixed.appTable;
+    if (table == nullptr || name.isEmpty() || data.tableRecord(table, name) != nullptr) return;
+    ++data.silentRegistrations;
+    auto* record = new OdDbRegAppTableRecord();
+    ObjectAccess::setName(*record, name);
+    Stub* const entry = data.adopt(record, kKindAppid);
+    entry->flags |= Stub::kTableRecord;
+    table->appendPart(entry);
+    ObjectAccess::enterName(*static_cast<OdDbSymbolTable*>(data.bodyOf(table)), name, entry);
+    ObjectAccess::setRefs(*record, 0);
+}
+
+} // namespace lm::drawing

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// From handle to entry. Handles are handed out one after the other, so nearly all stand in a plain array; the
+// few that lie far out stand in a hash table, so that a wild handle in a file costs no memory.
+#pragma once
+
+#include "model/stub.h"
+
+#include <unordered_map>
+
+namespace lm::drawing {
+
+class HandleIndex {
+public:
+    Stub* find(std::uint64_t handle) const noexcept {
+        if (handle < m_dense.size()) return m_dense[handle];
+        if (m_far.empty()) return nullptr;
+        const auto found = m_far.find(handle);
+        return found == m_far.end() ? nullptr : found->second;
+    }
+    /// Tells how many objects are coming, so that the array can be made in one step.
+    void expect(std::size_t objects, std::uint64_t highest) {
+        m_objects = objects;
+        if (highest < limit()) widen(static_cast<std::size_t>(highest) + 1 + kSpare);
+    }
+    void insert(std::uint64_t handle, Stub* stub) {
+        if (handle >= m_dense.size() && handle < limit())
+            widen(static_cast<std::size_t>(handle) + 1 + kSpare + m_dense.size() / 2);
+        if (handle < m_dense.size())
+            m_dense[static_cast<std::size_t>(handle)] = stub;
+        else
+            m_far[handle] = stub;
+        ++m_objects;
+    }
+
+private:
+    static constexpr std::size_t kSpare = 256;
+    /// Makes the array longer; handles that lay far out until now and lie inside it then move over.
+    void widen(std::size_t size) {
+        m_dense.resize(size, nullptr);
+        for (auto at = m_far.begin(); at != m_far.end();) {
+            if (at->first >= size) {
+                ++at;
+                continue;
+            }
+            m_dense[static_cast<std::size_t>(at->first)] = at->second;
+            at = m_far.erase(at);
+        }
+    }
+    std::uint64_t limit() const noexcept { return 65536 + 8 * static_cast<std::uint64_t>(m_objects); }
+
+    std::vector<Stub*> m_dense;
+    std::unordered_map<std::uint64_t, Stub*> m_far;
+    std::size_t m_objects = 0;
+};
+
+} // namespace lm::drawing

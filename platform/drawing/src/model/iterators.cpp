@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "model/iterators.h"
+
+#include "model/databasedata.h"
+#include "model/fetch.h"
+
+namespace lm::drawing {
+
+namespace {
+
+/// Parts of a resident owner. SEQEND entries close a list in files and are no parts to anybody else.
+class ResidentWalk final : public OdDbObjectIterator {
+public:
+    explicit ResidentWalk(Stub* owner) : m_owner(owner) {}
+
+    void start(bool, bool skipErased) override {
+        m_at = m_owner->firstPart;
+        skip(skipErased);
+    }
+    bool done() const override { return m_at == nullptr; }
+    void step(bool, bool skipErased) override {
+        if (m_at == nullptr) return;
+        m_at = m_at->next;
+        skip(skipErased);
+    }
+    OdDbObjectId objectId() const override { return OdDbObjectId(m_at); }
+    OdSmartPtr<OdDbEntity> entity() const override {
+        // Whatever stands in a block or below a reference is an entity, so no cast has to be checked.
+        if (m_at == nullptr || m_at->database() == nullptr) return {};
+        OdDbObject* const body = m_at->body != nullptr ? m_at->body : m_at->database()->data().bodyOf(m_at);
+        return OdSmartPtr<OdDbEntity>(static_cast<OdDbEntity*>(body));
+    }
+
+private:
+    void skip(bool erased) {
+        while (m_at != nullptr && (m_at->kind == kKindSeqend || (erased && m_at->isErased())))
+            m_at = m_at->next;
+        fetchAhead(m_at);
+    }
+    Stub* m_owner;
+    Stub* m_at = nullptr;
+};
+
+/// Attributes of a reference outside a database.
+class OutsideWalk final : public OdDbObjectIterator {
+public:
+    explicit OutsideWalk(const OdDbBlockReference& reference) : m_reference(&reference) {}
+
+    void start(bool, bool skipErased) override {
+        m_at = 0;
+        skip(skipErased);
+    }
+    bool done() const override { return m_at >= size(); }
+    void step(bool, bool skipErased) override {
+        if (done()) return;
+        ++m_at;
+        skip(skipErased);
+    }
+    OdDbObjectId objectId() const override { return OdDbObjectId::kNull; }
+    OdSmartPtr<OdDbEntity> entity() const override {
+        if (done()) return {};
+        return (*ObjectAccess::outsideAttributes(*m_reference))[m_at];
+    }
+
+private:
+    std::size_t size() const {
+        const auto* all = ObjectAccess::outsideAttributes(*m_reference);
+        return all != nullptr ? all->size() : 0;
+    }
+    void skip(bool erased) {
+        while (erased && !done() && (*ObjectAccess::outsideAttributes(*m_reference))[m_at]->isErased())
+            ++m_at;
+    }
+    OdSmartPtr<OdDbBlockReference> m_reference;
+    std::size_t m_at = 0;
+};
+
+OdDbBlockTableRecord* recordOf(OdDbObjectId block) {
+    if (!block.isValid()) return nullptr;
+    return OdDbBlockTableRecord::cast(block.database()->data().bodyOf(block.stub()));
+}
+
+} // namespace
+
+OdSmartPtr<OdDbObjectIterator> partsOf(Stub* owner) {
+    OdSmartPtr<OdDbObjectIterator> walk(new ResidentWalk(owner), kAttach);
+    walk->start();
+    return walk;
+}
+
+OdSmartPtr<OdDbObjectIterator> attributesOf(const OdDbBlockReference& reference) {
+    if (reference.isDBRO()) return partsOf(reference.objectId().stub());
+    OdSmartPtr<OdDbObjectIterator> walk(new OutsideWalk(reference), kAttach);
+    walk->start();
+    return walk;
+}
+
+void addReference(OdDbObjectId block, Stub* reference) {
+    if (OdDbBlockTableRecord* record = recordOf(block))
+        ObjectAccess::references(*record).push_back(reference);
+}
+
+void removeReference(OdDbObjectId block, Stub* reference) {
+    OdDbBlockTableRecord* const record = recordOf(block);
+    if (record == nullptr) return;
+    std::vector<Stub*>& all = ObjectAccess::references(*record);
+    const auto found = std::find(all.rbegin(), all.rend(), reference);
+    if (found != all.rend()) all.erase(std::next(found).base());
+}
+
+} // namespace lm::drawing

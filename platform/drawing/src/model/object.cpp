@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "base/rxclass.h"
+#include "dxf/read.h"
+#include "model/databasedata.h"
+#include "model/names.h"
+
+#include "drawing/alloc.h"
+
+#include <unordered_map>
+
+using lm::drawing::DatabaseData;
+using lm::drawing::ObjectAccess;
+using lm::drawing::Stub;
+
+LM_RX_DEFINE_ABSTRACT(OdDbObject, OdRxObject)
+LM_RX_DEFINE(OdDbUnreadObject, OdDbObject)
+
+const OdDbObjectId OdDbObjectId::kNull;
+
+bool OdDbObjectId::isValid() const noexcept {
+    return m_stub != nullptr && m_stub->database() != nullptr;
+}
+
+bool OdDbObjectId::isErased() const noexcept {
+    return isValid() && m_stub->isErased();
+}
+
+OdDbDatabase* OdDbObjectId::database() const noexcept {
+    return m_stub != nullptr ? m_stub->database() : nullptr;
+}
+
+OdDbHandle OdDbObjectId::getHandle() const noexcept {
+    return OdDbHandle(m_stub != nullptr ? m_stub->handle : 0);
+}
+
+OdSmartPtr<OdDbObject> OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
+    if (!isValid() || (m_stub->isErased() && !openErased)) return {};
+    OdDbObject* body = m_stub->body;
+    if (body == nullptr) body = m_stub->database()->data().bodyOf(m_stub);
+    if (mode == OdDb::kForWrite) ObjectAccess::setOpenForWrite(*body, true);
+    return OdSmartPtr<OdDbObject>(body);
+}
+
+OdDbObject::OdDbObject(const OdDbObject& other) : OdRxObject(other), m_flags(kNew) {
+    const std::vector<XData>& source = other.allXData();
+    if (source.empty()) return;
+    m_xdata = std::make_unique<std::vector<XData>>();
+    for (const XData& entry : source)
+        m_xdata->push_back(
+            {entry.application, entry.chain.isNull() ? entry.chain : entry.chain->cloneChain()});
+}
+
+OdDbObject::~OdDbObject() = default;
+
+OdDbObjectId OdDbObject::ownerId() const {
+    return OdDbObjectId(m_stub != nullptr && m_stub->database() != nullptr ? m_stub->owner : nullptr);
+}
+
+void OdDbObject::lastReleased() {
+    if (m_stub == nullptr) {
+        delete this;
+        return;
+    }
+    m_flags &= static_cast<unsigned short>(~kWriteEnabled);
+}
+
+void OdDbObject::upgradeOpen() {
+    if (m_stub != nullptr) m_flags |= kWriteEnabled;
+}
+
+void OdDbObject::downgradeOpen() {
+    m_flags &= static_cast<unsigned short>(~kWriteEnabled);
+}
+
+void OdDbObject::assertWriteEnabled(bool, bool recordModified) {
+    if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
+    if (m_stub == nullptr || !recordModified) return;
+    m_flags |= kModified;
+    m_stub->flags |= Stub::kDirty;
+}
+
+OdResult OdDbObject::erase(bool erasing) {
+    if (m_stub == nullptr) {
+        if (erasing)
+            m_flags |= kErasedOutside;
+        else
+            m_flags &= static_cast<unsigned short>(~kErasedOutside);
+        return eOk;
+    }
+    if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
+    if (erasing)
+        m_stub->flags |= Stub::kErased;
+    else
+        m_stub->flags &= static_cast<std::uint8_t>(~Stub::kErased);
+    return eOk;
+}
+
+bool OdDbObject::isErased() const {
+    return m_stub != nullptr ? m_stub->isErased() : (m_flags & kErasedOutside) != 0;
+}
+
+OdString OdDbObject::dxfName() const {
+    if (m_stub == nullptr || m_stub->database() == nullptr) return OdString();
+    return lm::drawing::odText(m_stub->database()->data().kinds.name(m_stub->kind));
+}
+
+OdRxObject* OdDbObject::clone() const {
+    return lm::drawing::cloneOutside(*this);
+}
+
+const std::vector<OdDbObject::XData>& OdDbObject::allXData() const {
+    static const std::vector<XData> kNone;
+    if (m_stub != nullptr && (m_flags & kXDataRead) == 0) {
+        m_flags |= kXDataRead;
+        auto read = std::make_unique<std::vector<XData>>();
+        // Keys lie in the texts of the entries. Files may name thousands of ids, or one id thousands of times.
+        std::unordered_map<lm::WideView, OdSmartPtr<OdResBuf>, lm::drawing::WideHash, lm::drawing::WideSame> tails;
+        lm::drawing::readXData(*m_stub, [&](const OdString& application, OdSmartPtr<OdResBuf> chain) {
+            const OdSmartPtr<OdResBuf> tail = chain->last();
+            const auto [known, isNew] = tails.try_emplace(application.view(), tail);
+            if (isNew) {
+                read->push_back({application, chain});
+            } else if (tail.get() != chain.get()) { // the data of an id that is named again goes on: one id, one chain
+                known->second->setNext(chain->next());
+                known->second = tail;
+            }
+        });
+        if (!read->empty()) m_xdata = std::move(read);
+    }
+    return m_xdata ? *m_xdata : kNone;
+}
+
+std::vector<OdDbObject::XData>& OdDbObject::changeableXData() {
+    allXData();
+    if (!m_xdata) m_xdata = std::make_unique<std::vector<XData>>();
+    return *m_xdata;
+}
+
+OdSmartPtr<OdResBuf> OdDbObject::xData(const OdString& application) const {
+    OdSmartPtr<OdResBuf> head;
+    OdSmartPtr<OdResBuf> tail;
+    for (const XData& entry : allXData()) {
+        if (!application.isEmpty() && entry.application != application) continue;
+        OdSmartPtr<OdResBuf> copy = entry.chain->cloneChain();
+        if (!application.isEmpty()) return copy;
+        if (head.isNull())
+            head = copy;
+        else
+            tail->setNext(copy);
+        tail = copy->last();
+    }
+    return head;
+}
+
+void OdDbObject::setXData(OdSmartPtr<OdResBuf> chain) {
+    storeXData(chain, false);
+}
+void OdDbObject::setXDataRaw(OdSmartPtr<OdResBuf> chain) {
+    storeXData(chain, true);
+}
+
+void OdDbObject::storeXData(OdSmartPtr<OdResBuf> chain, bool keepLone) {
+    constexpr int kApplication = 1001;
+    if (chain.isNull()) return;
+    if (chain->restype() != kApplication) throw OdError(eInvalidInput);
+    beginChange();
+    std::vector<XData>& all = changeableXData();
+    OdSmartPtr<OdResBuf> at = chain->cloneChain();
+    while (!at.isNull()) {
+        OdSmartPtr<OdResBuf> head = at;
+        OdResBuf* last = head.get();
+        at = head->next();
+        while (!at.isNull() && at->restype() != kApplication) {
+            last = at.get();
+            at = at->next();
+        }
+        last->setNext({});
+        const OdString application = head->getString();
+        const auto entry = std::find_if(all.begin(), all.end(),
+                                        [&](const XData& x) { return x.application == application; });
+        if (head->next().isNull() && !keepLone) {
+            if (entry != all.end()) all.erase(entry);
+            continue;
+        }
+        if (entry != all.end())
+            entry->chain = head;
+        else
+            all.push_back({application, head});
+        if (m_stub != nullptr) lm::drawing::registerApplication(database()->data(), application);
+    }
+}
+
+namespace lm::drawing {
+
+void ObjectAccess::detachFromDatabase(OdDbObject& object) {
+    object.allXData();
+    object.m_stub = nullptr;
+}
+
+Stub* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Stub* owner, bool asPart) {
+    if (object.isDBRO()) throw OdError(eAlreadyInDatabase);
+    const bool erased = object.isErased();
+    Stub* const stub = data.adopt(&object, kind);
+    if (erased) stub->flags |= Stub::kErased;
+    if (asPart)
+        owner->appendPart(stub);
+    else
+        stub->owner = owner;
+    object.m_flags |= OdDbObject::kWriteEnabled | OdDbObject::kModified | OdDbObject::kXDataRead;
+    if (object.m_xdata)
+        for (const auto& entry : *object.m_xdata) registerApplication(data, entry.application);
+    ObjectAccess::becomeResident(object);
+    return stub;
+}
+
+} // namespace lm::drawing

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+#include "drawing/symboltable.h"
+
+#include "base/rxclass.h"
+#include "model/databasedata.h"
+#include "model/iterators.h"
+#include "model/names.h"
+
+using lm::drawing::ObjectAccess;
+using lm::drawing::Stub;
+
+LM_RX_DEFINE_ABSTRACT(OdDbSymbolTableIterator, OdRxObject)
+LM_RX_DEFINE_ABSTRACT(OdDbSymbolTable, OdDbObject)
+LM_RX_DEFINE_ABSTRACT(OdDbSymbolTableRecord, OdDbObject)
+LM_RX_DEFINE(OdDbLayerTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE(OdDbLinetypeTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE(OdDbTextStyleTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE(OdDbRegAppTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE_ABSTRACT(OdDbAbstractViewTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE(OdDbViewTableRecord, OdDbAbstractViewTableRecord)
+LM_RX_DEFINE(OdDbViewportTableRecord, OdDbAbstractViewTableRecord)
+LM_RX_DEFINE(OdDbUnreadTableRecord, OdDbSymbolTableRecord)
+LM_RX_DEFINE(OdDbBlockTableRecord, OdDbSymbolTableRecord)
+
+OdDbSymbolTableIterator::OdDbSymbolTableIterator(Stub* table) : m_table(table) {
+    start();
+}
+
+void OdDbSymbolTableIterator::start(bool, bool skipErased) {
+    m_at = m_table->firstPart;
+    skip(skipErased);
+}
+
+void OdDbSymbolTableIterator::step(bool, bool skipErased) {
+    if (m_at == nullptr) return;
+    m_at = m_at->next;
+    skip(skipErased);
+}
+
+void OdDbSymbolTableIterator::skip(bool erased) {
+    while (m_at != nullptr && erased && m_at->isErased()) m_at = m_at->next;
+}
+
+OdSmartPtr<OdDbSymbolTableRecord> OdDbSymbolTableIterator::getRecord(OdDb::OpenMode mode) const {
+    return OdSmartPtr<OdDbSymbolTableRecord>(OdDbObjectId(m_at).openObject(mode, true));
+}
+
+/// Names of a table with their entries, the live one first where an erased record had the same name.
+struct OdDbSymbolTable::Names {
+    lm::drawing::NameMap map;
+};
+
+OdDbSymbolTable::OdDbSymbolTable() : m_names(std::make_unique<Names>()) {}
+OdDbSymbolTable::~OdDbSymbolTable() = default;
+
+OdDbObjectId OdDbSymbolTable::getAt(const OdString& name) const {
+    Stub* const found = m_names->map.find(name.view());
+    return OdDbObjectId(found != nullptr && !found->isErased() ? found : nullptr);
+}
+
+OdSmartPtr<OdDbSymbolTableRecord> OdDbSymbolTable::getAt(const OdString& name, OdDb::OpenMode mode,
+                                                         bool openErased) const {
+    return OdSmartPtr<OdDbSymbolTableRecord>(
+        OdDbObjectId(m_names->map.find(name.view())).openObject(mode, openErased));
+}
+
+OdDbObjectId OdDbSymbolTable::add(OdSmartPtr<OdDbSymbolTableRecord> record) {
+    if (record->getName().isEmpty()) throw OdError(eInvalidKey);
+    if (has(record->getName())) throw OdError(eDuplicateKey);
+    if (record->isDBRO()) throw OdError(eAlreadyInDatabase);
+    if (!isDBRO()) throw OdError(eNotInDatabase);
+    if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
+    Stub* const table = objectId().stub();
+    Stub* const entry = lm::drawing::makeResident(database()->data(), *record.get(),
+                                                  lm::drawing::recordKind(*record.get()), table, true);
+    entry->flags |= Stub::kTableRecord;
+    table->flags |= Stub::kDirty;
+    m_names->map.set(record->getName(), entry);
+    return OdDbObjectId(entry);
+}
+
+OdSmartPtr<OdDbSymbolTableIterator> OdDbSymbolTable::newIterator() const {
+    if (!isDBRO()) throw OdError(eNotInDatabase);
+    return OdSmartPtr<OdDbSymbolTableIterator>(new OdDbSymbolTableIterator(objectId().stub()),
+                                               lm::drawing::kAttach);
+}
+
+namespace lm::drawing {
+
+std::uint16_t recordKind(const OdDbSymbolTableRecord& record) {
+    if (record.isKindOf(OdDbLayerTableRecord::desc())) return kKindLayer;
+    if (record.isKindOf(OdDbBlockTableRecord::desc())) return kKindBlockRecord;
+    if (record.isKindOf(OdDbRegAppTableRecord::desc())) return kKindAppid;
+    if (record.isKindOf(OdDbLinetypeTableRecord::desc())) return kKindLtype;
+    if (record.isKindOf(OdDbTextStyleTableRecord::desc())) return kKindStyle;
+    if (record.isKindOf(OdDbViewportTableRecord::desc())) return kKindVport;
+    return kKindView;
+}
+
+void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Stub* stub) {
+    table.m_names->map.set(name, stub);
+}
+
+void ObjectAccess::leaveName(OdDbSymbolTable& table, const OdString& name, Stub* stub) {
+    if (table.m_names->map.find(name.view()) == stub) table.m_names->map.remove(name.view());
+}
+
+Stub* ObjectAccess::findName(const OdDbSymbolTable& table, const OdString& name) {
+    return table.m_names->map.find(name.view());
+}
+
+} // namespace lm::drawing
+
+void OdDbSymbolTableRecord::setName(const OdString& name) {
+    if (name.isEmpty()) throw OdError(eInvalidKey);
+    OdDbSymbolTable* table = nullptr;
+    if (isDBRO()) {
+        table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().stub()->owner));
+        const OdDbObjectId there = table->getAt(name);
+        if (!there.isNull() && there != objectId()) throw OdError(eDuplicateKey);
+    }
+    beginChange();
+    if (table != nullptr) {
+        ObjectAccess::leaveName(*table, m_name, objectId().stub());
+        ObjectAccess::enterName(*table, name, objectId().stub());
+    }
+    m_name = name;
+}
+
+OdResult OdDbSymbolTableRecord::erase(bool erasing) {
+    if (isDBRO() && !erasing) {
+        if (!isWriteEnabled()) throw OdError(eNotOpenForWrite); // before the names of the table change
+        auto* table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().stub()->owner));
+        const OdDbObjectId there = table->getAt(m_name);
+        if (!there.isNull() && there != objectId()) return eDuplicateKey;
+        ObjectAccess::enterName(*table, m_name, objectId().stub());
+    }
+    return OdDbObject::erase(erasing);
+}
+
+void OdDbLayerTableRecord::setName(const OdString& name) {
+    if (isDBRO() && objectId() == database()->getLayerZeroId()) throw OdError(eInvalidKey);
+    OdDbSymbolTableRecord::setName(name);
+}
+
+void OdDbLayerTableRecord::setIsFrozen(bool frozen) {
+    beginChange();
+    m_recordFlags = static_cast<short>(frozen ? m_recordFlags | 1 : m_recordFlags & ~1);
+}
+
+void OdDbLayerTableRecord::setIsLocked(bool locked) {
+    beginChange();
+    m_recordFlags = static_cast<short>(locked ? m_recordFlags | 4 : m_recordFlags & ~4);
+}
+
+void OdDbLayerTableRecord::setIsOff(bool off) {
+    beginChange();
+    m_off = off;
+}
+
+void OdDbLayerTableRecord::setColor(const OdCmColor& color) {
+    beginChange();
+    m_color = color;
+}
+
+void OdDbLayerTableRecord::setLinetypeObjectId(OdDbObjectId id) {
+    beginChange();
+    m_linetype = id;
+}
+
+namespace {
+
+bool standsOnLayer(Stub* entity, OdDbObjectId layer) {
+    if (!entity->isErased()) {
+        const auto* body = OdDbEntity::cast(entity->database()->data().bodyOf(entity));
+        if (body != nullptr && body->layerId() == layer) return true;
+    }
+    for (Stub* part = entity->firstPart; part != nullptr; part = part->next)
+        if (!entity->isErased() && standsOnLayer(part, layer)) return true;
+    return false;
+}
+
+bool isLayerUsed(OdDbDatabase& db, OdDbObjectId layer) {
+    Stub* const blocks = db.data().fixed.blockTable;
+    if (blocks == nullptr) return false;
+    for (Stub* block = blocks->firstPart; block != nullptr; block = block->next) {
+        if (block->isErased()) continue;
+        for (Stub* entity = block->firstPart; entity != nullptr; entity = entity->next)
+            if (standsOnLayer(entity, layer)) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+OdResult OdDbLayerTableRecord::erase(bool erasing) {
+    if (erasing && isDBRO() && !isErased()) {
+        OdDbDatabase& db = *database();
+        if (objectId() == db.getLayerZeroId() || objectId() == db.getCLAYER()) return eCannotBeErased;
+        if (isLayerUsed(db, objectId())) return eCannotBeErased;
+    }
+    return OdDbSymbolTableRecord::erase(erasing);
+}
+
+void OdDbAbstractViewTableRecord::setCenterPoint(const OdGePoint2d& point) {
+    beginChange();
+    m_center = point;
+}
+
+void OdDbAbstractViewTableRecord::setHeight(double height) {
+    beginChange();
+    m_height = height;
+}
+
+void OdDbAbstractViewTableRecord::setWidth(double width) {
+    beginChange();
+    m_width = width;
+}
+
+OdDbBlockTableRecord::OdDbBlockTableRecord() = default;
+OdDbBlockTableRecord::~OdDbBlockTableRecord() = default;
+OdDbBlockTableRecord::OdDbBlockTableRecord(const OdDbBlockTableRecord& other)
+    : OdDbSymbolTableRecord(other), m_origin(other.m_origin) {}
+
+void OdDbBlockTableRecord::setOrigin(const OdGePoint3d& origin) {
+    beginChange();
+    m_origin = origin;
+}
+
+bool OdDbBlockTableRecord::isLayout() const {
+    return lm::drawing::isLayoutName(getName().view());
+}
+
+bool OdDbBlockTableRecord::isAnonymous() const {
+    return !getName().isEmpty() && getName().view().front() == '*' && !isLayout();
+}
+
+OdSmartPtr<OdDbObjectIterator> OdDbBlockTableRecord::newIterator(bool atBeginning, bool skipErased) const {
+    if (!isDBRO()) throw OdError(eNotInDatabase);
+    OdSmartPtr<OdDbObjectIterator> walk = lm::drawing::partsOf(objectId().stub());
+    if (!skipErased) walk->start(atBeginning, false);
+    return walk;
+}
+
+OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdSmartPtr<OdDbEntity> entity) {
+    if (!isDBRO()) throw OdError(eNotInDatabase);
+    if (entity->isDBRO()) throw OdError(eAlreadyInDatabase);
+    assertWriteEnabled(false, false);
+    Stub* const stub = objectId().stub();
+    stub->flags |= Stub::kDirty;
+    Stub* const entry = lm::drawing::makeResident(database()->data(), *entity.get(),
+                                                  lm::drawing::entityKind(*entity.get()), stub, true);
+    entry->flags |= Stub::kEntity;
+    return OdDbObjectId(entry);
+}
+
+OdArray<OdDbObjectId> OdDbBlockTableRecord::getBlockReferenceIds(bool) const {
+    OdArray<OdDbObjectId> ids;
+    ids.reserve(static_cast<unsigned int>(m_references.size()));
+    for (Stub* const reference : m_references)
+        if (reference->isLive()) ids.append(OdDbObjectId(reference));
+    return ids;
+}
+
+OdResult OdDbBlockTableRecord::erase(bool erasing) {
+    if (erasing && isDBRO()) {
+        // By the entry as well as by the name, which may have been changed.
+        const OdDbObjectId id = objectId();
+        if (isLayout() || id == database()->getModelSpaceId() || id == database()->getPaperSpaceId())
+            return eCannotBeErased;
+    }
+    return OdDbSymbolTableRecord::erase(erasing);
+}
