@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// The table of the members that report their failures. A member that joins or leaves it changes what users
+// find in the log, so the table is compared with the guards that stand in the sources; what a guard does, and
+// what each member reports, is tested beside the guard and the members.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+
+namespace {
+
+enum class Reports { kBothKinds, kOdErrorOnly };
+
+using Table = std::map<std::string, Reports>;
+
+const Table kGuarded = {
+    {"CEAttributeHelper::findAtt", Reports::kOdErrorOnly},
+    {"CICad::ExisteBloco", Reports::kBothKinds},
+    {"CICad::GetNomeBloco", Reports::kBothKinds},
+    {"CICad::GetPrompt", Reports::kBothKinds},
+    {"CICad::SearchAttribute", Reports::kBothKinds},
+    {"CICad::SearchAttributeVirtual", Reports::kBothKinds},
+    {"CICad::SearchAttributes", Reports::kBothKinds},
+    {"CICad::SearchAttributesConst", Reports::kBothKinds},
+    {"CICad::getAttPosicaoPto", Reports::kBothKinds},
+    {"rzInvoke2", Reports::kBothKinds},
+    {"rzInvokeVoid", Reports::kBothKinds},
+};
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::ostringstream content;
+    content << std::ifstream(path).rdbuf();
+    return content.str();
+}
+
+/// Adds each `opening"name"` of a source, with white space or a line end allowed before the name.
+void addGuards(const std::string& source, const std::string& opening, Reports reports, Table& found) {
+    for (std::size_t at = source.find(opening); at != std::string::npos; at = source.find(opening, at + 1)) {
+        const std::size_t quote = source.find_first_not_of(" \n", at + opening.size());
+        if (quote == std::string::npos || source[quote] != '"') continue;
+        const std::size_t end = source.find('"', quote + 1);
+        found[source.substr(quote + 1, end - quote - 1)] = reports;
+    }
+}
+
+Table guardsInSources() {
+    Table found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(LM_SOURCE_DIR "/tx/LMCommonMFC")) {
+        if (entry.path().extension() != ".cpp") continue;
+        const std::string source = contentOf(entry.path());
+        addGuards(source, "guarded(", Reports::kBothKinds, found);
+        addGuards(source, "guardedFromOdError(", Reports::kOdErrorOnly, found);
+    }
+    return found;
+}
+
+TEST(GuardedMembers, AreExactlyThoseOfTheTable) {
+    const Table found = guardsInSources();
+    for (const auto& [name, reports] : kGuarded) {
+        const auto at = found.find(name);
+        if (at == found.end())
+            ADD_FAILURE() << name << " has no guard";
+        else
+            EXPECT_EQ(at->second, reports) << name;
+    }
+    for (const auto& [name, reports] : found)
+        EXPECT_EQ(kGuarded.count(name), 1u) << name << " isn't in the table";
+}
+
+TEST(GuardedMembers, AreGuardedByNothingElse) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(LM_SOURCE_DIR "/tx/LMCommonMFC")) {
+        const std::string name = entry.path().filename().string();
+        if (entry.path().extension() != ".cpp" || name == "log.cpp") continue;
+        const std::string source = contentOf(entry.path());
+        EXPECT_EQ(source.find("reportFailure"), std::string::npos) << name << " reports past the guard";
+        EXPECT_EQ(source.find("writeLog"), std::string::npos) << name << " writes to the log past the guard";
+    }
+}
+
+} // namespace

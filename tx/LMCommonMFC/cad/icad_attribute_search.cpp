@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+// Reading attributes of references and of definitions.
+#include "cad/icad_detail.h"
+#include "log.h"
+
+using lm::cad::append;
+using lm::cad::attributeAt;
+using lm::cad::ListOwner;
+using lm::cad::trimmed;
+
+namespace {
+
+/// Walks the definitions of a block that are, or are not, constant, until `visit` answers false.
+template<class Visit>
+void forEachDefinition(const OdDbBlockTableRecord& btr, bool constant, Visit&& visit) {
+    const OdSmartPtr<OdDbObjectIterator> walk = btr.newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbObject> object = walk->objectId().openObject();
+        const auto* definition = OdDbAttributeDefinition::cast(object.get());
+        if (definition != nullptr && definition->isConstant() == constant && !visit(*definition)) return;
+    }
+}
+
+OdSmartPtr<OdDbBlockTableRecord> blockOf(const OdDbBlockReference& ref) {
+    return OdSmartPtr<OdDbBlockTableRecord>(ref.blockTableRecord().openObject());
+}
+
+/// The prompt of a definition, before anybody puts the tag in its place.
+OdString findPrompt(const OdDbBlockTableRecord& btr, const OdString& tag, int index) {
+    OdString prompt = tag;
+    int match = 0;
+    forEachDefinition(btr, false, [&](const OdDbAttributeDefinition& definition) {
+        if (definition.tag() != tag || match++ != index) return true;
+        prompt = definition.prompt();
+        return false;
+    });
+    return prompt;
+}
+
+OdString findDefault(const OdDbBlockTableRecord& btr, const OdString& tag) {
+    OdString text;
+    forEachDefinition(btr, false, [&](const OdDbAttributeDefinition& definition) {
+        if (definition.tag() != tag) return true;
+        text = definition.textString();
+        return false;
+    });
+    return text;
+}
+
+int countTags(const CEListaAtributos& list, const OdString& tag) {
+    int count = 0;
+    for (int i = 0; i < list.GetSize(); ++i)
+        if (lm::system::equalsNoCase(list.GetAt(i)->GetTag().view(), tag.view())) ++count;
+    return count;
+}
+
+/// An attribute of a list search: through its id, or else from the walk; null when neither gives one.
+OdSmartPtr<OdDbAttribute> attributeOrEntityAt(const OdDbObjectIterator& walk) {
+    const OdSmartPtr<OdDbObject> object = walk.objectId().openObject();
+    if (!object.isNull()) return OdSmartPtr<OdDbAttribute>(object);
+    return OdSmartPtr<OdDbAttribute>(walk.entity());
+}
+
+void appendDefinitions(const OdDbBlockTableRecord& btr, bool constant, bool withPrompt,
+                       CEListaAtributos& list) {
+    forEachDefinition(btr, constant, [&](const OdDbAttributeDefinition& definition) {
+        append(list,
+               std::make_unique<CEAtributo>(definition.tag(), withPrompt ? definition.prompt() : OdString(),
+                                            definition.textString(), definition.objectId(), false));
+        return true;
+    });
+}
+
+} // namespace
+
+int CICad::SearchAttribute(RZString tag, OdSmartPtr<OdDbBlockReference> ref, CEAtributo*& atributo,
+                           bool comPrompt) {
+    return lm::log::guarded("CICad::SearchAttribute", [&] {
+        atributo = nullptr;
+        if (ref.isNull()) return 2;
+        OdSmartPtr<OdDbBlockTableRecord> btr;
+        if (comPrompt) btr = blockOf(*ref);
+        const OdSmartPtr<OdDbObjectIterator> walk = ref->attributeIterator();
+        if (walk.isNull()) return 2;
+        const bool resident = ref->isDBRO();
+        for (walk->start(); !walk->done(); walk->step()) {
+            const OdSmartPtr<OdDbAttribute> attribute = attributeAt(*walk, resident);
+            if (attribute.isNull() || !tag.matchesNoCase(attribute->tag().view())) continue;
+            const OdString prompt = btr.isNull() ? OdString() : static_cast<OdString>(GetPrompt(btr, tag, 0));
+            atributo = new CEAtributo(tag, prompt, trimmed(attribute->textString()), attribute->objectId(),
+                                      attribute->isInvisible());
+            return 0;
+        }
+        return 2;
+    });
+}
+
+int CICad::SearchAttribute(RZString tag, OdSmartPtr<OdDbObject> obj, CEAtributo*& atributo, bool comPrompt) {
+    return lm::log::guarded("CICad::SearchAttribute", [&] {
+        if (OdDbBlockReference* const ref = OdDbBlockReference::cast(obj.get()))
+            return SearchAttribute(tag, OdSmartPtr<OdDbBlockReference>(ref), atributo, comPrompt);
+        CEAtributo* const found = SearchAttributeVirtual(obj, tag);
+        if (found == nullptr) return 2;
+        atributo = found;
+        return 0;
+    });
+}
+
+int CICad::SearchAttribute(RZString tag, RZID id, CEAtributo*& atributo, bool comPrompt) {
+    return lm::log::guarded("CICad::SearchAttribute",
+                            [&] { return SearchAttribute(tag, id.openObject(), atributo, comPrompt); });
+}
+
+RZString CICad::GetValorAtributo(RZString tag, OdSmartPtr<OdDbBlockReference> ref, bool comPrompt) {
+    CEAtributo* found = nullptr;
+    if (SearchAttribute(tag, ref, found, comPrompt) != 0) return RZString();
+    const std::unique_ptr<CEAtributo> record(found);
+    return record->GetValor();
+}
+
+namespace {
+
+template<class Source>
+int searchRole(RZString (*nameOf)(int), Source&& source, CEAtributo*& atributo, bool comPrompt) {
+    const bool found = lm::cad::tryNames(nameOf, [&](const RZString& name) {
+        return CICad().SearchAttribute(name, source, atributo, comPrompt) == 0;
+    });
+    return found ? 0 : 2;
+}
+
+} // namespace
+
+#define LM_ROLE_SEARCH(Role)                                                                                 \
+    int CICad::SearchAttribute##Role(OdSmartPtr<OdDbBlockReference> ref, CEAtributo*& atributo,              \
+                                     bool comPrompt) {                                                       \
+        return searchRole(&CMensagem::getAtt##Role, ref, atributo, comPrompt);                               \
+    }                                                                                                        \
+    int CICad::SearchAttribute##Role(OdSmartPtr<OdDbObject> obj, CEAtributo*& atributo, bool comPrompt) {    \
+        return searchRole(&CMensagem::getAtt##Role, obj, atributo, comPrompt);                               \
+    }                                                                                                        \
+    int CICad::SearchAttribute##Role(RZID id, CEAtributo*& atributo, bool comPrompt) {                       \
+        return searchRole(&CMensagem::getAtt##Role, id, atributo, comPrompt);                                \
+    }
+LM_ROLE_SEARCH(Number)
+LM_ROLE_SEARCH(Pin)
+LM_ROLE_SEARCH(Strip)
+LM_ROLE_SEARCH(Tag)
+#undef LM_ROLE_SEARCH
+
+int CICad::SearchAttributes(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos*& lista, bool comPrompt,
+                            bool usarPadrao, RZString prefixo) {
+    return lm::log::guarded("CICad::SearchAttributes", [&] {
+        lista = nullptr;
+        if (ref.isNull()) return 2;
+        const OdSmartPtr<OdDbObjectIterator> walk = ref->attributeIterator();
+        if (walk.isNull()) return 2;
+        OdSmartPtr<OdDbBlockTableRecord> btr;
+        if (comPrompt) btr = blockOf(*ref);
+        ListOwner list(new CEListaAtributos());
+        const lm::WideView prefix = prefixo.view();
+        for (walk->start(); !walk->done(); walk->step()) {
+            const OdSmartPtr<OdDbAttribute> attribute = attributeOrEntityAt(*walk);
+            if (attribute.isNull()) continue;
+            OdString tag = attribute->tag();
+            if (!prefix.empty() && tag.view().substr(0, prefix.size()) != prefix) continue;
+            OdString prompt;
+            if (!btr.isNull()) {
+                // Definitions are asked for the tag as it stands; only the record gets it trimmed.
+                prompt = static_cast<OdString>(GetPrompt(btr, RZString(tag), countTags(*list, tag)));
+                if (prompt.isEmpty()) prompt = tag;
+            }
+            tag = trimmed(tag);
+            OdString value = trimmed(attribute->textString());
+            if (value.isEmpty() && usarPadrao && !btr.isNull()) value = trimmed(findDefault(*btr, tag));
+            append(*list, std::make_unique<CEAtributo>(std::move(tag), trimmed(prompt), std::move(value),
+                                                       attribute->objectId(), attribute->isInvisible()));
+        }
+        lista = list.release();
+        return 0;
+    });
+}
+
+int CICad::SearchAttributes(RZID id, CEListaAtributos*& lista, bool comPrompt, bool usarPadrao,
+                            RZString prefixo) {
+    return lm::log::guarded("CICad::SearchAttributes", [&] {
+        const OdSmartPtr<OdDbObject> object = id.openObject();
+        OdDbBlockReference* const ref = OdDbBlockReference::cast(object.get());
+        if (ref == nullptr) return 2;
+        return SearchAttributes(OdSmartPtr<OdDbBlockReference>(ref), lista, comPrompt, usarPadrao, prefixo);
+    });
+}
+
+int CICad::SearchAttributes(OdSmartPtr<OdDbBlockTableRecord> btr, CEListaAtributos*& lista) {
+    return lm::log::guarded("CICad::SearchAttributes", [&] {
+        // The records of an earlier list are left to whoever took them out of it.
+        delete lista;
+        lista = nullptr;
+        ListOwner list(new CEListaAtributos());
+        if (!btr.isNull()) appendDefinitions(*btr, false, true, *list);
+        lista = list.release();
+        return 0;
+    });
+}
+
+CEBloco* CICad::SearchAttributes(OdSmartPtr<OdDbBlockReference> ref, CEBloco* bloco) {
+    return lm::log::guarded("CICad::SearchAttributes", [&]() -> CEBloco* {
+        if (ref.isNull() || bloco == nullptr) return nullptr;
+        const OdSmartPtr<OdDbObjectIterator> walk = ref->attributeIterator();
+        if (walk.isNull()) return bloco;
+        lm::cad::RecordEntry records(*bloco);
+        for (walk->start(); !walk->done(); walk->step()) {
+            const OdSmartPtr<OdDbAttribute> attribute = attributeOrEntityAt(*walk);
+            if (attribute.isNull()) continue;
+            records.enter(std::make_unique<CEAtributo>(attribute->tag(), OdString(), attribute->textString(),
+                                                       attribute->objectId(), attribute->isInvisible()));
+        }
+        return bloco;
+    });
+}
+
+bool CICad::SearchAttributesConst(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos*& lista) {
+    return lm::log::guarded("CICad::SearchAttributesConst", [&] {
+        if (lista != nullptr) lm::cad::ListDeleter()(lista);
+        lista = nullptr;
+        ListOwner list(new CEListaAtributos());
+        if (!ref.isNull())
+            if (const OdSmartPtr<OdDbBlockTableRecord> btr = blockOf(*ref); !btr.isNull())
+                appendDefinitions(*btr, true, false, *list);
+        lista = list.release();
+        return true;
+    });
+}
+
+RZString CICad::GetPrompt(OdSmartPtr<OdDbBlockTableRecord> btr, RZString tag, int indice) {
+    return lm::log::guarded("CICad::GetPrompt", [&]() -> RZString { return findPrompt(*btr, tag, indice); });
+}
+
+RZString CICad::GetValue(OdSmartPtr<OdDbBlockTableRecord> btr, RZString tag) {
+    if (btr.isNull()) return RZString();
+    return findDefault(*btr, tag);
+}
+
+namespace {
+
+OdGePoint3d placeOf(const OdDbText& text) {
+    return text.isDefaultAlignment() ? text.position() : text.alignmentPoint();
+}
+
+OdGePoint3d placeOfRecord(const CEAtributo& record, const OdSmartPtr<OdDbBlockReference>& ref) {
+    const OdSmartPtr<OdDbObject> object = record.GetObjectId().openObject();
+    if (const auto* attribute = OdDbAttribute::cast(object.get())) return placeOf(*attribute);
+    const auto* definition = OdDbAttributeDefinition::cast(object.get());
+    if (definition == nullptr || ref.isNull()) return OdGePoint3d();
+    return placeOf(*definition) + ref->position().asVector();
+}
+
+} // namespace
+
+CEAtributo* CICad::getAttPosicaoPto(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos* lista,
+                                    OdGePoint3d ponto) {
+    return lm::log::guarded("CICad::getAttPosicaoPto", [&]() -> CEAtributo* {
+        if (lista == nullptr) return nullptr;
+        CEAtributo* nearest = nullptr;
+        double least = 0;
+        for (int i = 0; i < lista->GetSize(); ++i) {
+            CEAtributo* const record = lista->GetAt(i);
+            if (!CEAtributo::isAttLigacao(record->GetTag())) continue;
+            const double distance = placeOfRecord(*record, ref).distanceTo(ponto);
+            if (nearest != nullptr && !(distance < least)) continue;
+            nearest = record;
+            least = distance;
+        }
+        return nearest;
+    });
+}
