@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// lmhost: the host program. It loads the modules, opens a drawing and runs one command on it. Commands beyond
+// `version` and `info` come from the modules.
+//
+// Exit codes: 0 done, 1 done and defects found, 2 wrong usage, 3 input that can't be read, 4 output that
+// can't be written, 5 a command failed. Errors are one line each on standard error.
+#include "info.h"
+#include "options.h"
+
+#include "drawing/error.h"
+#include "drawing/module.h"
+#include "host/documentmanager.h"
+#include "host/moduleloader.h"
+#include "host/session.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+#include <unistd.h>
+
+namespace lmhost {
+
+namespace {
+
+enum ExitCode { kDone = 0, kDefects = 1, kUsage = 2, kInput = 3, kOutput = 4, kFailed = 5 };
+
+constexpr const char* kModules[] = {"LMCommon_26.8_17.tx", "LMCommonMFC_26.8_17.tx", "LMTools.tx"};
+constexpr const char kUsageText[] = "usage: lmhost COMMAND FILE [OPTIONS]\n"
+                                    "\n"
+                                    "  version                    name, version and module interface\n"
+                                    "  info FILE [--json]         what stands in a drawing\n";
+
+void errorLine(const std::string& text) {
+    std::fprintf(stderr, "lmhost: %s\n", text.c_str());
+}
+
+std::string describe(const OdError& error) {
+    return lm::drawing::utf8(error.description());
+}
+
+bool loadModules(lm::host::ModuleLoader& loader, const CommandLine& line) {
+    std::vector<std::string> names(std::begin(kModules), std::end(kModules));
+    names.insert(names.end(), line.modules.begin(), line.modules.end());
+    for (const std::string& name : names) {
+        const lm::host::ModuleResult loaded = loader.load(name);
+        if (loaded) continue;
+        errorLine(loaded.reason);
+        return false;
+    }
+    return true;
+}
+
+void writeUsage(lm::host::ToolOutput& out) {
+    out.write(kUsageText);
+    for (const auto& tool : lm::host::tools()) {
+        std::string line = "  " + tool->name + " FILE";
+        line.resize(std::max<std::size_t>(line.size() + 1, 29), ' ');
+        out.write(line + tool->help + "\n");
+    }
+    out.write("\n  --module NAME              loads a further module, by name or path, with the commands "
+              "that it brings\n"
+              "\nexit codes: 0 done, 1 defects found, 2 wrong usage, 3 input, 4 output, 5 failed\n");
+}
+
+void writeVersion(lm::host::ToolOutput& out) {
+    using namespace lm::drawing;
+    out.write("lmhost " LM_VERSION "\n");
+    out.write(std::string(kModules[1]) + " " LM_VERSION ", interface " + std::to_string(kApiMajor) + "." +
+              std::to_string(kApiMinor) + "." + std::to_string(kApiBuildMajor) + "." +
+              std::to_string(kApiBuildMinor) + "\n");
+}
+
+int runInfo(const CommandLine& line, CHostDocument& document, lm::host::ToolOutput& out) {
+    bool json = false;
+    for (const std::string& option : line.rest) {
+        if (option != "--json") {
+            errorLine("info: unknown argument \"" + option + "\"");
+            return kUsage;
+        }
+        json = true;
+    }
+    writeInfo(document, out, json);
+    return kDone;
+}
+
+int runTool(const lm::host::Tool& tool, const CommandLine& line, CHostDocument& document,
+            lm::host::ToolOutput& out) {
+    lm::host::ToolContext context{&document, line.rest, out, [&line](std::string_view text) {
+                                      errorLine(line.file + ": " + line.command + ": " + std::string(text));
+                                  }};
+    return tool.run(context);
+}
+
+/// Runs a command and turns what it raises into a line.
+template<class Run>
+int guarded(const CommandLine& line, Run&& run) {
+    try {
+        return run();
+    } catch (const OdError& error) {
+        errorLine(line.file + ": " + line.command + ": " + describe(error));
+    } catch (const std::exception& error) {
+        errorLine(line.file + ": " + line.command + ": " + error.what());
+    }
+    return kFailed;
+}
+
+CHostDocument* openDrawing(const std::string& file) {
+    try {
+        return lm::host::documentManager().openDocument(OdString(lm::WideView(lm::system::fromUtf8(file))));
+    } catch (const OdError& error) {
+        errorLine(describe(error));
+    } catch (const std::bad_alloc&) {
+        errorLine(file + ": not enough memory to read the drawing");
+    } catch (const std::exception& error) {
+        errorLine(file + ": " + error.what());
+    }
+    return nullptr;
+}
+
+int runOnDrawing(const CommandLine& line, lm::host::ToolOutput& out) {
+    const auto tool = lm::host::findTool(line.command);
+    if (tool == nullptr && line.command != "info") {
+        errorLine("unknown command \"" + line.command + "\"; lmhost help lists them");
+        return kUsage;
+    }
+    CHostDocument* const document = openDrawing(line.file);
+    if (document == nullptr) return kInput;
+    const int code = guarded(line, [&] {
+        return tool != nullptr ? runTool(*tool, line, *document, out) : runInfo(line, *document, out);
+    });
+    guarded(line, [&] { return lm::host::documentManager().closeDocument(document) ? kDone : kFailed; });
+    return code;
+}
+
+int run(const CommandLine& line, lm::host::ToolOutput& out) {
+    if (!line.fault.empty()) {
+        errorLine(line.fault + "; lmhost help tells more");
+        return kUsage;
+    }
+    lm::host::ModuleLoader loader;
+    if (!loadModules(loader, line)) return kFailed;
+    if (line.help) {
+        writeUsage(out);
+        return kDone;
+    }
+    if (line.command == "version") {
+        writeVersion(out);
+        return kDone;
+    }
+    return runOnDrawing(line, out);
+}
+
+} // namespace
+
+} // namespace lmhost
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const lmhost::CommandLine line = lmhost::readCommandLine(arguments);
+    lm::host::ToolOutput out(STDOUT_FILENO);
+    const int code = lmhost::run(line, out);
+    if (!out.flush()) {
+        lmhost::errorLine((line.file.empty() ? line.command : line.file) +
+                          ": can't write to standard output: " + std::strerror(out.error()));
+        return lmhost::kOutput;
+    }
+    return code;
+}
