@@ -1,0 +1,159 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Runs the benchmarks and holds each figure to its bar.
+
+Whole processes are compared as ratios of alternating runs, since absolute times drift on shared machines. The drawings
+come from tools/make_drawing.py of the shared folder (../shared, or LM_SHARED).
+"""
+import json
+import os
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+SHARED = os.environ.get("LM_SHARED", os.path.join(ROOT, "..", "shared"))
+BUILD = os.environ.get("LM_BENCH_BUILD", os.path.join(ROOT, "build", "release"))
+DATA = os.environ.get("LM_BENCH_DATA", os.path.join(BUILD, "bench", "drawings"))
+ROUNDS = int(os.environ.get("LM_BENCH_ROUNDS", "5"))
+EZDXF = """
+import sys, ezdxf
+n = 0
+out = open('/dev/null', 'w')
+for insert in ezdxf.readfile(sys.argv[1]).modelspace().query('INSERT'):
+    print(insert.dxf.handle, insert.dxf.name, insert.dxf.layer, insert.dxf.insert, insert.dxf.rotation, file=out)
+    for a in insert.attribs:
+        print(a.dxf.tag, a.dxf.text, a.is_invisible, a.dxf.handle, file=out)
+        n += 1
+print(n)
+"""
+
+results = []
+
+
+def program(name):
+    return os.path.join(BUILD, "bin", name)
+
+
+def drawing(size, binary=False):
+    os.makedirs(DATA, exist_ok=True)
+    path = os.path.join(DATA, size + ".dxf")
+    twin = os.path.join(DATA, size + ".bin.dxf")
+    if not (os.path.exists(path) and os.path.exists(twin)):
+        print("making the drawing", size, flush=True)
+        subprocess.run(["/usr/bin/python3", os.path.join(SHARED, "tools", "make_drawing.py"), "--size", size, "--bin",
+                        path], check=True)
+    return twin if binary else path
+
+
+class Run:
+    """One process: wall time in seconds, peak memory in bytes, what it printed."""
+
+    def __init__(self, *command, keep=True):
+        began = time.perf_counter()
+        child = subprocess.Popen(command, stdout=subprocess.PIPE if keep else open(os.path.join(DATA, "out"), "wb"))
+        self.output = child.stdout.read() if keep else b""
+        _, status, usage = os.wait4(child.pid, 0)
+        self.seconds = time.perf_counter() - began
+        self.memory = usage.ru_maxrss * 1024
+        child.returncode = os.waitstatus_to_exitcode(status)
+        if child.returncode != 0:
+            sys.exit("%s ended with %d" % (" ".join(command), child.returncode))
+
+
+def best(runs):
+    return min(run.seconds for run in runs)
+
+
+def alternate(*makers, rounds=ROUNDS):
+    """Runs each maker in turn, several times; gives the runs of each."""
+    runs = [[] for _ in makers]
+    for _ in range(rounds):
+        for list_, maker in zip(runs, makers):
+            list_.append(maker())
+    return runs
+
+
+def report(what, figure, bar, unit, least=False):
+    passed = figure >= bar if least else figure <= bar
+    results.append(passed)
+    print("%-66s %9.2f %-9s bar %s %g  %s" % (what, figure, unit, ">=" if least else "<=", bar,
+                                            "pass" if passed else "MISSED"), flush=True)
+
+
+def whole_processes():
+    text, binary, middle = drawing("L"), drawing("L", True), drawing("M")
+    size, middle_size = os.path.getsize(text), os.path.getsize(middle)
+    lmhost = program("lmhost")
+    scan, opened, touched, opened_binary, listed, prompted, opened_middle = alternate(
+        lambda: Run(program("lm_bench_scan"), text),
+        lambda: Run(program("lm_bench_open"), text),
+        lambda: Run(program("lm_bench_open"), text, "touch"),
+        lambda: Run(program("lm_bench_open"), binary),
+        lambda: Run(lmhost, "blocks", text, "--no-prompts", keep=False),
+        lambda: Run(lmhost, "blocks", text, keep=False),
+        lambda: Run(program("lm_bench_open"), middle))
+    if int(opened[0].output) != 200000 or int(touched[0].output) != 1000000 or int(opened_binary[0].output) != 200000:
+        sys.exit("a drawing wasn't read whole")
+    base = best(scan)
+    print("scan of %d MB by memchr: %.3f s" % (size >> 20, base))
+    report("open L, times the scan", best(opened) / base, 5, "times")
+    report("open L and read every object, times the scan", best(touched) / base, 5, "times")
+    report("open L as binary, times open as text", best(opened_binary) / best(opened), 1, "times")
+    report("seconds a byte at L, times those at M", best(opened) / size / (best(opened_middle) / middle_size), 1.15,
+           "times")
+    report("peak memory of opening L, times the file", max(r.memory for r in opened) / size, 2.5, "times")
+    report("blocks L --no-prompts, times the scan", best(listed) / base, 9, "times")
+    print("blocks L with prompts: %.2f times the scan" % (best(prompted) / base))
+    small = best([Run(lmhost, "blocks", middle, keep=False) for _ in range(3)])
+    report("blocks with prompts, seconds a reference at L, times those at M", best(prompted) / 100000 / (small / 20000),
+           1.3, "times")
+
+
+def against_ezdxf():
+    middle = drawing("M")
+    peer = Run("/usr/bin/python3", "-c", EZDXF, middle)
+    if int(peer.output) != 160000:
+        sys.exit("ezdxf found another number of attributes")
+    ours = best([Run(program("lmhost"), "blocks", middle, "--no-prompts", keep=False) for _ in range(3)])
+    report("ezdxf's listing of M, times ours", peer.seconds / ours, 40, "times", least=True)
+
+
+def operations():
+    environment = dict(os.environ, LM_BENCH_DRAWING=drawing("L"))
+    answer = subprocess.run([program("lm_bench_operations"), "--benchmark_format=json",
+                             "--benchmark_repetitions=%d" % ROUNDS, "--benchmark_enable_random_interleaving=true",
+                             "--benchmark_min_time=0.2"], env=environment, check=True, stdout=subprocess.PIPE)
+    times = {}
+    for run in json.loads(answer.stdout)["benchmarks"]:
+        if run["run_type"] != "iteration":
+            continue
+        if run.get("error_occurred"):
+            sys.exit("%s: %s" % (run["name"], run["error_message"]))
+        scale = {"ns": 1, "us": 1e3, "ms": 1e6}[run["time_unit"]]
+        value = 1e9 / run["items_per_second"] if "items_per_second" in run else run["cpu_time"] * scale
+        times[run["name"]] = min(value, times.get(run["name"], value))
+    report("look-up by handle, hot, in a million objects", times["handleLookUp"], 3, "ns")
+    report("open and close an object for reading", times["openAndClose"], 25, "ns")
+    report("walk over model space with one attribute by tag, a reference", times["walkByTag"], 70, "ns")
+    report("SearchAttribute, 8 attributes", times["searchAttribute"], 400, "ns")
+    report("SearchAttributes without prompts, 8 attributes", times["searchAttributes"], 1500, "ns")
+    print("BuscarBlocos by prefix: %.0f ns a reference found; %.0f ns without a match" %
+          (times["searchBlocksByPrefix"], times["searchBlocksWithoutMatch"]))
+    report("BuscarBlocos without a match in 200,000 entities", times["searchBlocksWithoutMatch"] / 1000, 20, "us")
+    report("RZString made and copied, times std::u16string", times["makeAndCopy"] / times["makeAndCopyStandard"], 1.2,
+           "times")
+    report("RZString equality, times that of the traits", times["equality"] / times["equalityByTraits"], 0.5, "times")
+    report("five parts by constructor, times chained +", times["joinedByConstructor"] / times["joinedByPlus"], 0.5,
+           "times")
+
+
+if __name__ == "__main__":
+    if not os.path.exists(os.path.join(SHARED, "tools", "make_drawing.py")):
+        sys.exit("shared drawings not found: %s has no tools/make_drawing.py" % SHARED)
+    wanted = sys.argv[1:] or ["processes", "operations", "ezdxf"]
+    for name, part in (("processes", whole_processes), ("operations", operations), ("ezdxf", against_ezdxf)):
+        if name in wanted:
+            part()
+    print("%d of %d bars passed" % (sum(results), len(results)))
+    sys.exit(0 if all(results) else 1)
