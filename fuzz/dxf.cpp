@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads any bytes as a drawing and opens everything that it holds. Only an OdError may come out of a broken file.
+// Reads any bytes as a drawing and opens everything that it holds. Only an OdError may come out of a broken
+// file.
 #include "visit_all.h"
 
 #include "drawing/reader.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs a fuzzer's function over files and folders, each file with a look at the clock: no input may take more than a
-// second, and one more for each megabyte.
+// Runs a fuzzer's function over files and folders, each file with a look at the clock: no input may take more
+// than a second, and one more for each megabyte.
 #include <chrono>
 #include <cstdint>
 #include <cstdio>

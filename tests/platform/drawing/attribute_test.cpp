@@ -123,7 +123,8 @@ TEST(AttributeTest, GoesWithACopyOfItsReference) {
     const auto erased = attribute("GONE", "");
     reference->appendAttribute(erased);
     erased->erase();
-    const OdSmartPtr<OdDbBlockReference> copy(OdDbBlockReference::cast(reference->clone()), lm::drawing::kAttach);
+    const OdSmartPtr<OdDbBlockReference> copy(OdDbBlockReference::cast(reference->clone()),
+                                              lm::drawing::kAttach);
     EXPECT_FALSE(copy->isDBRO());
     EXPECT_EQ(copy->position(), OdGePoint3d(1, 2, 3));
     EXPECT_EQ(copy->blockTableRecord(), reference->blockTableRecord());
@@ -172,7 +173,8 @@ TEST(AttributeDefinitionTest, KeepsItsOwnFields) {
     EXPECT_TRUE(made->isInvisible());
     made->setFieldLength(3);
     made->setMTextAttributeDefinition(make<OdDbMText>());
-    const OdSmartPtr<OdDbAttributeDefinition> copy(OdDbAttributeDefinition::cast(made->clone()), lm::drawing::kAttach);
+    const OdSmartPtr<OdDbAttributeDefinition> copy(OdDbAttributeDefinition::cast(made->clone()),
+                                                   lm::drawing::kAttach);
     EXPECT_EQ(utf8(copy->tag()), "TAG");
     EXPECT_EQ(utf8(copy->prompt()), "Which?");
     EXPECT_EQ(utf8(copy->textString()), "default");

@@ -42,10 +42,11 @@ TEST(BlockTest, TellsLayoutsAndAnonymousBlocksApart) {
         const char* name;
         bool layout, anonymous;
     };
-    const Row rows[] = {{"*Model_Space", true, false}, {"*Paper_Space", true, false}, {"*Paper_Space0", true, false},
-                        {"*Paper_Space12", true, false}, {"*MODEL_SPACE", true, false}, {"*U1", false, true},
-                        {"*Paper_SpaceX", false, true}, {"*Model_Space1", false, true}, {"MOTOR", false, false},
-                        {"Model_Space", false, false}};
+    const Row rows[] = {{"*Model_Space", true, false},  {"*Paper_Space", true, false},
+                        {"*Paper_Space0", true, false}, {"*Paper_Space12", true, false},
+                        {"*MODEL_SPACE", true, false},  {"*U1", false, true},
+                        {"*Paper_SpaceX", false, true}, {"*Model_Space1", false, true},
+                        {"MOTOR", false, false},        {"Model_Space", false, false}};
     for (const Row& row : rows) {
         const auto record = make<OdDbBlockTableRecord>();
         record->setName(od(row.name));

@@ -40,10 +40,11 @@ TEST(NewDatabaseTest, KnowsItsFixedEntries) {
 
 TEST(NewDatabaseTest, IsBareWhenAskedFor) {
     const OdSmartPtr<OdDbDatabase> db(new OdDbDatabase(OdDbDatabase::kNothing), lm::drawing::kAttach);
-    for (const OdDbObjectId id : {db->getBlockTableId(), db->getLayerTableId(), db->getLinetypeTableId(),
-                                  db->getTextStyleTableId(), db->getRegAppTableId(), db->getViewportTableId(),
-                                  db->getViewTableId(), db->getNamedObjectsDictionaryId(), db->getModelSpaceId(),
-                                  db->getPaperSpaceId(), db->getLayerZeroId(), db->getCLAYER()})
+    for (const OdDbObjectId id :
+         {db->getBlockTableId(), db->getLayerTableId(), db->getLinetypeTableId(), db->getTextStyleTableId(),
+          db->getRegAppTableId(), db->getViewportTableId(), db->getViewTableId(),
+          db->getNamedObjectsDictionaryId(), db->getModelSpaceId(), db->getPaperSpaceId(),
+          db->getLayerZeroId(), db->getCLAYER()})
         EXPECT_TRUE(id.isNull());
     EXPECT_TRUE(db->getSysVar(od("CLAYER")).isNull());
 }
@@ -87,7 +88,8 @@ TEST(SysVarTest, SetsTheCurrentLayerById) {
     };
     EXPECT_TRUE(set(layer));
     EXPECT_EQ(db->getCLAYER(), layer);
-    for (const OdDbObjectId bad : {OdDbObjectId::kNull, erased, other->getLayerZeroId(), db->getModelSpaceId()})
+    for (const OdDbObjectId bad :
+         {OdDbObjectId::kNull, erased, other->getLayerZeroId(), db->getModelSpaceId()})
         EXPECT_FALSE(set(bad));
     EXPECT_FALSE(db->setSysVar(od("CLAYER"), {}));
     EXPECT_FALSE(db->setSysVar(od("CLAYER"), OdResBuf::newRb(1, od("0"))));
@@ -122,7 +124,8 @@ TEST(SysVarTest, SplitsTheFileName) {
 
 TEST(SysVarTest, ReadsOtherNamesFromTheFilesHeader) {
     dxf::Parts parts;
-    parts.header = "9 $LTSCALE|40 2.5|9 $EXTMIN|10 1.0|20 2.0|30 3.0|9 $CLAYER|8 PAG1|9 $PROJECTNAME|1 Ω\\U+00E7";
+    parts.header =
+        "9 $LTSCALE|40 2.5|9 $EXTMIN|10 1.0|20 2.0|30 3.0|9 $CLAYER|8 PAG1|9 $PROJECTNAME|1 Ω\\U+00E7";
     parts.layers = dxf::Parts::layer("100", "PAG1", "62 7");
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(db.getSysVar(od("LTSCALE"))->getDouble(), 2.5);

@@ -11,7 +11,8 @@ OdSmartPtr<OdDbDictionary> named(const OdDbDatabase& db, OdDb::OpenMode mode = O
 
 std::vector<std::string> entriesOf(const OdSmartPtr<OdDbDictionary>& dictionary) {
     std::vector<std::string> names;
-    for (const auto walk = dictionary->newIterator(); !walk->done(); walk->next()) names.push_back(utf8(walk->name()));
+    for (const auto walk = dictionary->newIterator(); !walk->done(); walk->next())
+        names.push_back(utf8(walk->name()));
     return names;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the drawing layer share: texts, objects with one count, chains, short ways into a database.
+// What the tests of the drawing layer share: texts, objects with one count, chains, short ways into a
+// database.
 #pragma once
 
 #include "dxf_writer.h"
@@ -20,7 +21,9 @@ using lm::drawing::Report;
 using lm::drawing::utf8;
 
 /// A text of the drawing layer from UTF-8.
-inline OdString od(const std::string& text) { return OdString(lm::WideView(lm::system::fromUtf8(text))); }
+inline OdString od(const std::string& text) {
+    return OdString(lm::WideView(lm::system::fromUtf8(text)));
+}
 
 /// A new object whose only count is the pointer's.
 template<class T>
@@ -40,11 +43,13 @@ OdSmartPtr<T> open(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead, bool o
 
 /// The object of a handle in hexadecimal digits.
 template<class T>
-OdSmartPtr<T> byHandle(const OdDbDatabase& db, const std::string& handle, OdDb::OpenMode mode = OdDb::kForRead) {
+OdSmartPtr<T> byHandle(const OdDbDatabase& db, const std::string& handle,
+                       OdDb::OpenMode mode = OdDb::kForRead) {
     return open<T>(db.getOdDbObjectId(OdDbHandle(std::stoull(handle, nullptr, 16))), mode);
 }
 
-inline OdSmartPtr<OdDbBlockTableRecord> modelSpace(const OdDbDatabase& db, OdDb::OpenMode mode = OdDb::kForRead) {
+inline OdSmartPtr<OdDbBlockTableRecord> modelSpace(const OdDbDatabase& db,
+                                                   OdDb::OpenMode mode = OdDb::kForRead) {
     return open<OdDbBlockTableRecord>(db.getModelSpaceId(), mode);
 }
 
@@ -85,7 +90,8 @@ inline std::vector<std::string> namesOf(OdDbObjectId table) {
 /// Handles of the parts that a walk meets.
 inline std::vector<std::string> handlesOf(OdSmartPtr<OdDbObjectIterator> walk) {
     std::vector<std::string> handles;
-    for (walk->start(); !walk->done(); walk->step()) handles.push_back(utf8(walk->objectId().getHandle().ascii()));
+    for (walk->start(); !walk->done(); walk->step())
+        handles.push_back(utf8(walk->objectId().getHandle().ascii()));
     return handles;
 }
 
@@ -105,8 +111,10 @@ inline OdSmartPtr<OdResBuf> chainOf(const std::string& notation) {
     OdSmartPtr<OdResBuf> head, tail;
     for (const auto& [code, value] : dxf::split(notation)) {
         const auto record = OdResBuf::newRb(code, od(value));
-        if (head.isNull()) head = record;
-        else tail->setNext(record);
+        if (head.isNull())
+            head = record;
+        else
+            tail->setNext(record);
         tail = record;
     }
     return head;
@@ -120,7 +128,8 @@ inline std::string textOf(OdSmartPtr<OdResBuf> chain) {
         out += std::to_string(chain->restype()) + " ";
         if (chain->payload() == OdResBuf::kPoint) {
             const OdGePoint3d p = chain->getPoint3d();
-            for (const double part : {p.x, p.y, p.z}) out += utf8(OdResBuf::newRb(0, part)->getString()) + ",";
+            for (const double part : {p.x, p.y, p.z})
+                out += utf8(OdResBuf::newRb(0, part)->getString()) + ",";
             out.pop_back();
         } else if (chain->payload() == OdResBuf::kBinary) {
             constexpr char kDigits[] = "0123456789ABCDEF";

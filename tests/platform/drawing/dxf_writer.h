@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Small drawing files for tests, from a short notation: groups parted by "|", each a code, a blank and the value.
+// Small drawing files for tests, from a short notation: groups parted by "|", each a code, a blank and the
+// value.
 //
 //     text("0 SECTION|2 ENTITIES|0 LINE|8 0|0 ENDSEC|0 EOF")      the text form
 //     binary(...), binaryShort(...)                               the two binary forms of the same groups
@@ -24,14 +25,16 @@ inline Groups split(const std::string& notation) {
         const std::size_t end = std::min(notation.find('|', at), notation.size());
         const std::string group = notation.substr(at, end - at);
         const std::size_t blank = group.find(' ');
-        groups.emplace_back(std::atoi(group.c_str()), blank == std::string::npos ? "" : group.substr(blank + 1));
+        groups.emplace_back(std::atoi(group.c_str()),
+                            blank == std::string::npos ? "" : group.substr(blank + 1));
         at = end + 1;
     }
     return groups;
 }
 
 /// The text form. `width` is the field that codes are set to the right of, as many writers do.
-inline std::string text(const std::string& notation, const std::string& lineEnd = "\n", std::size_t width = 0) {
+inline std::string text(const std::string& notation, const std::string& lineEnd = "\n",
+                        std::size_t width = 0) {
     std::string out;
     for (const auto& [code, value] : split(notation)) {
         const std::string digits = std::to_string(code);
@@ -55,7 +58,9 @@ inline std::string unhex(const std::string& digits) {
     return bytes;
 }
 
-inline bool within(int code, int first, int last) { return code >= first && code <= last; }
+inline bool within(int code, int first, int last) {
+    return code >= first && code <= last;
+}
 
 /// The value of a group as a binary file has it, by the ranges of the DXF reference.
 inline void putValue(std::string& out, int code, const std::string& value) {
@@ -82,7 +87,9 @@ inline void putValue(std::string& out, int code, const std::string& value) {
 }
 
 /// The mark that binary files begin with, a fixed part of the format.
-inline std::string binaryMark() { return std::string("AutoCAD Binary DXF\r\n\x1a\0", 22); }
+inline std::string binaryMark() {
+    return std::string("AutoCAD Binary DXF\r\n\x1a\0", 22);
+}
 
 /// The binary form from R13 on: codes of two bytes.
 inline std::string binary(const std::string& notation) {
@@ -109,8 +116,8 @@ inline std::string binaryShort(const std::string& notation) {
     return out;
 }
 
-/// Parts of a drawing in the notation above. As it stands it is a drawing of R2018 without a defect; members are
-/// replaced, extended or emptied (a section without text is left out).
+/// Parts of a drawing in the notation above. As it stands it is a drawing of R2018 without a defect; members
+/// are replaced, extended or emptied (a section without text is left out).
 struct Parts {
     std::string version = "AC1032";
     std::string codePage = "ANSI_1252";
@@ -120,7 +127,7 @@ struct Parts {
     std::string blockRecords; ///< further records
     std::string blocks;       ///< further blocks
     std::string entities;
-    std::string objects;      ///< behind the dictionary
+    std::string objects; ///< behind the dictionary
     bool withHeader = true, withTables = true, withBlocks = true, withEntities = true, withObjects = true;
     bool withEnd = true;
     std::string before; ///< in front of the first section
@@ -139,42 +146,51 @@ struct Parts {
         return joined({"0 SECTION|2 " + name, content, "0 ENDSEC"});
     }
     static std::string table(const std::string& name, const std::string& handle, const std::string& records) {
-        return joined({"0 TABLE|2 " + name + "|5 " + handle + "|330 0|100 AcDbSymbolTable|70 1", records, "0 ENDTAB"});
+        return joined(
+            {"0 TABLE|2 " + name + "|5 " + handle + "|330 0|100 AcDbSymbolTable|70 1", records, "0 ENDTAB"});
     }
     static std::string record(const std::string& type, const std::string& handle, const std::string& owner,
                               const std::string& name, const std::string& further = "") {
-        return joined({"0 " + type + "|5 " + handle + "|330 " + owner + "|100 AcDbSymbolTableRecord|2 " + name + "|70 0",
+        return joined({"0 " + type + "|5 " + handle + "|330 " + owner + "|100 AcDbSymbolTableRecord|2 " +
+                           name + "|70 0",
                        further});
     }
-    static std::string layer(const std::string& handle, const std::string& name, const std::string& further = "") {
+    static std::string layer(const std::string& handle, const std::string& name,
+                             const std::string& further = "") {
         return record("LAYER", handle, "2", name, further);
     }
     static std::string block(const std::string& name, const std::string& handle, const std::string& record,
                              const std::string& content = "") {
-        return joined({"0 BLOCK|5 " + handle + "|330 " + record + "|100 AcDbEntity|8 0|100 AcDbBlockBegin|2 " + name +
-                           "|70 0|10 0.0|20 0.0|30 0.0|3 " + name + "|1 ",
-                       content, "0 ENDBLK|5 " + handle + "E|330 " + record + "|100 AcDbEntity|8 0|100 AcDbBlockEnd"});
+        return joined(
+            {"0 BLOCK|5 " + handle + "|330 " + record + "|100 AcDbEntity|8 0|100 AcDbBlockBegin|2 " + name +
+                 "|70 0|10 0.0|20 0.0|30 0.0|3 " + name + "|1 ",
+             content, "0 ENDBLK|5 " + handle + "E|330 " + record + "|100 AcDbEntity|8 0|100 AcDbBlockEnd"});
     }
 
     std::string groups() const {
         const std::string variables =
             joined({version.empty() ? "" : "9 $ACADVER|1 " + version,
                     codePage.empty() ? "" : "9 $DWGCODEPAGE|3 " + codePage, header});
-        const std::string allTables =
-            joined({table("VPORT", "8", record("VPORT", "29", "8", "*Active", "12 5.0|22 6.0|40 100.0|41 1.5")),
-                    table("LTYPE", "5", joined({record("LTYPE", "14", "5", "ByBlock"), record("LTYPE", "15", "5", "ByLayer"),
-                                                record("LTYPE", "16", "5", "Continuous", "3 Solid line")})),
-                    table("LAYER", "2", joined({layer("10", "0", "62 7|6 Continuous"), layers})),
-                    table("STYLE", "3", record("STYLE", "11", "3", "Standard")), table("VIEW", "6", ""),
-                    table("UCS", "7", ""), table("APPID", "9", record("APPID", "12", "9", "ACAD")), tables,
-                    table("BLOCK_RECORD", "1", joined({record("BLOCK_RECORD", "1F", "1", "*Model_Space"),
-                                                       record("BLOCK_RECORD", "1B", "1", "*Paper_Space"), blockRecords}))});
+        const std::string allTables = joined(
+            {table("VPORT", "8", record("VPORT", "29", "8", "*Active", "12 5.0|22 6.0|40 100.0|41 1.5")),
+             table("LTYPE", "5",
+                   joined({record("LTYPE", "14", "5", "ByBlock"), record("LTYPE", "15", "5", "ByLayer"),
+                           record("LTYPE", "16", "5", "Continuous", "3 Solid line")})),
+             table("LAYER", "2", joined({layer("10", "0", "62 7|6 Continuous"), layers})),
+             table("STYLE", "3", record("STYLE", "11", "3", "Standard")), table("VIEW", "6", ""),
+             table("UCS", "7", ""), table("APPID", "9", record("APPID", "12", "9", "ACAD")), tables,
+             table("BLOCK_RECORD", "1",
+                   joined({record("BLOCK_RECORD", "1F", "1", "*Model_Space"),
+                           record("BLOCK_RECORD", "1B", "1", "*Paper_Space"), blockRecords}))});
         const std::string allBlocks =
             joined({block("*Model_Space", "20", "1F"), block("*Paper_Space", "1C", "1B"), blocks});
-        return joined({before, withHeader ? section("HEADER", variables) : "", withTables ? section("TABLES", allTables) : "",
-                       withBlocks ? section("BLOCKS", allBlocks) : "", withEntities ? section("ENTITIES", entities) : "",
-                       withObjects ? section("OBJECTS", joined({"0 DICTIONARY|5 C|330 0|100 AcDbDictionary", objects})) : "",
-                       after, withEnd ? "0 EOF" : ""});
+        return joined(
+            {before, withHeader ? section("HEADER", variables) : "",
+             withTables ? section("TABLES", allTables) : "", withBlocks ? section("BLOCKS", allBlocks) : "",
+             withEntities ? section("ENTITIES", entities) : "",
+             withObjects ? section("OBJECTS", joined({"0 DICTIONARY|5 C|330 0|100 AcDbDictionary", objects}))
+                         : "",
+             after, withEnd ? "0 EOF" : ""});
     }
 };
 

@@ -95,8 +95,9 @@ TEST(EntityTest, CopiesEveryShapeOutsideTheDatabase) {
     copy->addVertexAt(1, {3, 4});
     EXPECT_EQ(polyline->numVerts(), 1u);
     const std::vector<OdSmartPtr<OdDbEntity>> others = {
-        make<OdDbLine>(), make<OdDbCircle>(), make<OdDbArc>(),       make<OdDbEllipse>(),   make<OdDbPoint>(),
-        make<OdDbText>(), make<OdDbMText>(),  make<OdDbAttribute>(), make<OdDbAttributeDefinition>(),
+        make<OdDbLine>(),          make<OdDbCircle>(),    make<OdDbArc>(),
+        make<OdDbEllipse>(),       make<OdDbPoint>(),     make<OdDbText>(),
+        make<OdDbMText>(),         make<OdDbAttribute>(), make<OdDbAttributeDefinition>(),
         make<OdDbBlockReference>()};
     for (const auto& entity : others) {
         const OdSmartPtr<OdRxObject> other(entity->clone(), lm::drawing::kAttach);

@@ -81,7 +81,8 @@ TEST(ObjectIdTest, KeepsHandlesApartAcrossManyObjects) {
     const auto space = modelSpace(*db.get(), OdDb::kForWrite);
     for (int i = 0; i < 40000; ++i) ids.push_back(space->appendOdDbEntity(make<OdDbPoint>()));
     EXPECT_EQ(ids.front().getHandle().value(), 0x20000u);
-    for (const OdDbObjectId id : ids) ASSERT_EQ(db->getOdDbObjectId(id.getHandle()), id) << id.getHandle().value();
+    for (const OdDbObjectId id : ids)
+        ASSERT_EQ(db->getOdDbObjectId(id.getHandle()), id) << id.getHandle().value();
 }
 
 TEST(ObjectTest, KnowsItsPlace) {
@@ -164,7 +165,10 @@ TEST(WriteCheckTest, RefusesEveryChangeOfAResidentObjectThatIsOpenForReading) {
         {"layer by name", [&] { reference->setLayer(od("0")); }},
         {"color", [&] { reference->setColor(OdCmColor::fromIndex(1)); }},
         {"visibility", [&] { reference->setVisible(false); }},
-        {"position", [&] { reference->setPosition({1, 0, 0}); }},
+        {"position",
+         [&] {
+             reference->setPosition({1, 0, 0});
+         }},
         {"block", [&] { reference->setBlockTableRecord(block); }},
         {"transform", [&] { reference->transformBy(OdGeMatrix3d()); }},
         {"properties", [&] { reference->setPropertiesFrom(attribute.get()); }},
@@ -183,7 +187,10 @@ TEST(WriteCheckTest, RefusesEveryChangeOfAResidentObjectThatIsOpenForReading) {
         {"off", [&] { layer->setIsOff(true); }},
         {"record to a table", [&] { table->add(newLayer); }},
         {"name of a record", [&] { record->setName(od("C")); }},
-        {"origin", [&] { record->setOrigin({1, 1, 1}); }},
+        {"origin",
+         [&] {
+             record->setOrigin({1, 1, 1});
+         }},
         {"entity to a block", [&] { record->appendOdDbEntity(make<OdDbLine>()); }},
         {"entry of a dictionary", [&] { dictionary->setAt(od("X"), make<OdDbXrecord>()); }},
         {"word of a change", [&] { reference->assertWriteEnabled(true, true); }},
@@ -259,7 +266,8 @@ TEST(DatabaseLifeTest, LetsHeldObjectsLiveOnOutside) {
         OdSmartPtr<OdDbObjectIterator> walk;
         {
             dxf::Parts parts;
-            parts.entities = "0 LINE|5 100|330 1F|100 AcDbEntity|8 0|11 7|21 8|31 9|1001 ACAD|1000 kept|0 POINT|5 101|8 0";
+            parts.entities =
+                "0 LINE|5 100|330 1F|100 AcDbEntity|8 0|11 7|21 8|31 9|1001 ACAD|1000 kept|0 POINT|5 101|8 0";
             const auto db = readGroups(parts.groups());
             line = byHandle<OdDbLine>(*db.get(), "100", OdDb::kForWrite);
             table = layerTable(*db.get());

@@ -87,11 +87,24 @@ TEST(HandleTest, ParsesTheWholeTextOrNothing) {
         const char* text;
         unsigned long long value;
     };
-    const Row rows[] = {{"2F", 0x2F},        {"2f", 0x2F},       {"0002f", 0x2F}, {"0", 0},     {"", 0},
-                        {"xyz", 0},          {"2F-x", 0},        {"2F ", 0},      {" 2F", 0},   {"-1", 0},
-                        {"0x2F", 0},         {"G", 0},           {"00000", 0},    {"aBcDeF", 0xABCDEF},
-                        {"FFFFFFFFFFFFFFFF", ~0ull},             {"10000000000000000", 0},
-                        {"000010000000000000001", 0},            {"0000FFFFFFFFFFFFFFFF", ~0ull}};
+    const Row rows[] = {{"2F", 0x2F},
+                        {"2f", 0x2F},
+                        {"0002f", 0x2F},
+                        {"0", 0},
+                        {"", 0},
+                        {"xyz", 0},
+                        {"2F-x", 0},
+                        {"2F ", 0},
+                        {" 2F", 0},
+                        {"-1", 0},
+                        {"0x2F", 0},
+                        {"G", 0},
+                        {"00000", 0},
+                        {"aBcDeF", 0xABCDEF},
+                        {"FFFFFFFFFFFFFFFF", ~0ull},
+                        {"10000000000000000", 0},
+                        {"000010000000000000001", 0},
+                        {"0000FFFFFFFFFFFFFFFF", ~0ull}};
     for (const Row& row : rows) EXPECT_EQ(OdDbHandle(od(row.text).c_str()).value(), row.value) << row.text;
     const unsigned short* const null = nullptr;
     OdDbHandle handle(5);

@@ -13,21 +13,27 @@ struct Row {
 };
 
 const Row kRows[] = {
-    {Defect::kMissingHandle, "an entity without a handle", [](dxf::Parts& p) { p.entities = "0 LINE|330 1F|8 0"; }},
+    {Defect::kMissingHandle, "an entity without a handle",
+     [](dxf::Parts& p) { p.entities = "0 LINE|330 1F|8 0"; }},
     {Defect::kDoubledHandle, "a handle of a table",
      [](dxf::Parts& p) { p.entities = "0 LINE|5 2|330 1F|8 0"; }},
-    {Defect::kBadHandle, "a handle that is a word", [](dxf::Parts& p) { p.entities = "0 LINE|5 HELLO|330 1F|8 0"; }},
-    {Defect::kMissingName, "a layer without a name", [](dxf::Parts& p) { p.layers = "0 LAYER|5 70|330 2|70 0"; }},
+    {Defect::kBadHandle, "a handle that is a word",
+     [](dxf::Parts& p) { p.entities = "0 LINE|5 HELLO|330 1F|8 0"; }},
+    {Defect::kMissingName, "a layer without a name",
+     [](dxf::Parts& p) { p.layers = "0 LAYER|5 70|330 2|70 0"; }},
     {Defect::kDoubledName, "two layers of one name",
-     [](dxf::Parts& p) { p.layers = dxf::Parts::layer("70", "L") + "|" + dxf::Parts::layer("71", "L", "62 3"); }},
-    {Defect::kUnknownOwner, "an owner that is no block", [](dxf::Parts& p) { p.entities = "0 LINE|5 100|330 FF|8 0"; }},
-    {Defect::kStrayEntry, "an end of a section outside",
-     [](dxf::Parts& p) { p.after = "0 ENDSEC"; }},
+     [](dxf::Parts& p) {
+         p.layers = dxf::Parts::layer("70", "L") + "|" + dxf::Parts::layer("71", "L", "62 3");
+     }},
+    {Defect::kUnknownOwner, "an owner that is no block",
+     [](dxf::Parts& p) { p.entities = "0 LINE|5 100|330 FF|8 0"; }},
+    {Defect::kStrayEntry, "an end of a section outside", [](dxf::Parts& p) { p.after = "0 ENDSEC"; }},
     {Defect::kStrayEntry, "a record outside a table",
      [](dxf::Parts& p) { p.tables = "0 LAYER|5 70|330 2|2 LOST|70 0"; }},
     {Defect::kStrayEntry, "an entity between blocks", [](dxf::Parts& p) { p.blocks = "0 LINE|5 70|8 0"; }},
     {Defect::kMissingEnd, "no end of the file", [](dxf::Parts& p) { p.withEnd = false; }},
-    {Defect::kMissingEnd, "a block without its end", [](dxf::Parts& p) { p.blocks = "0 BLOCK|5 70|330 1|8 0|2 B"; }},
+    {Defect::kMissingEnd, "a block without its end",
+     [](dxf::Parts& p) { p.blocks = "0 BLOCK|5 70|330 1|8 0|2 B"; }},
     {Defect::kMissingEnd, "a table without its end",
      [](dxf::Parts& p) { p.tables = "0 TABLE|2 DIMSTYLE|5 70|330 0"; }},
     {Defect::kUnknownBlock, "a reference to nothing",
@@ -83,7 +89,8 @@ TEST(DefectTest, FindsTheFirstOfTwoRecordsOfOneName) {
 
 TEST(DefectTest, AcceptsViewportsOfOneNameAndStylesWithoutOne) {
     dxf::Parts parts;
-    parts.tables = "0 TABLE|2 VPORT|5 40|330 0|70 1|0 VPORT|5 41|330 40|2 *Active|70 0|0 ENDTAB|0 TABLE|2 STYLE|5 42|330 0|70 1|0 "
+    parts.tables = "0 TABLE|2 VPORT|5 40|330 0|70 1|0 VPORT|5 41|330 40|2 *Active|70 0|0 ENDTAB|0 TABLE|2 "
+                   "STYLE|5 42|330 0|70 1|0 "
                    "STYLE|5 43|330 42|2 |70 1|3 ltypeshp.shx|0 ENDTAB";
     const auto db = readGroups(parts.groups());
     EXPECT_EQ(db->report().count(Defect::kDoubledName), 0u) << reportOf(*db.get());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Opens every object of real drawings that others made. They stand in a folder beside the tree, or where LM_SHARED
-// says; without them the test says so and passes.
+// Opens every object of real drawings that others made. They stand in a folder beside the tree, or where
+// LM_SHARED says; without them the test says so and passes.
 #include "drawing_support.h"
 
 #include "visit_all.h"

@@ -17,7 +17,6 @@ std::string read(const std::string& version, const std::string& page, const std:
     return utf8(byHandle<OdDbText>(*db.get(), "100")->textString());
 }
 
-
 } // namespace
 
 TEST(ReaderCodePage, DecodesEachNamedPage) {
@@ -26,25 +25,38 @@ TEST(ReaderCodePage, DecodesEachNamedPage) {
         const char* bytes;
         const char* text;
     };
-    const Row rows[] = {
-        {"ANSI_874", "\xA1\xD2", "กา"},         {"ANSI_932", "\x93\xFA\x96\x7B", "日本"},
-        {"ANSI_936", "\xD6\xD0\xB9\xFA", "中国"}, {"ANSI_949", "\xC7\xD1\xB1\xB9", "한국"},
-        {"ANSI_950", "\xA4\xA4\xB0\xEA", "中國"}, {"ANSI_1250", "\xB3\xF3\x9F", "łóź"},
-        {"ANSI_1251", "\xC4\xE0", "Да"},        {"ANSI_1252", "a\xE7\xE3o \x80", "ação €"},
-        {"ANSI_1253", "\xD9\xEC", "Ωμ"},        {"ANSI_1254", "\xFD\xFE", "ış"},
-        {"ANSI_1255", "\xF9\xEC", "של"},        {"ANSI_1256", "\xD4\xE3", "شم"},
-        {"ANSI_1257", "\xE8\xF0", "čš"},        {"ANSI_1258", "\xC3\xFD", "Ăư"},
-        {"DOS850", "\x81\x9C", "ü£"},           {"DOS932", "\x93\xFA", "日"},
-        {"MAC-ROMAN", "\x8D\x8B", "çã"},        {"MACINTOSH", "\x8D", "ç"},
-        {"DOS437", "\x81", "ü"},                {"DOS852", "\x88", "ł"},
-        {"DOS866", "\x84", "Д"},                {"ISO8859-2", "\xB3", "ł"},
-        {"BIG5", "\xA4\xA4", "中"},             {"GB2312", "\xD6\xD0", "中"},
-        {"KSC5601", "\xC7\xD1", "한"},          {"ansi_1251", "\xC4\xE0", "Да"},
-        {"Dos850", "\x81", "ü"},                {"  ANSI_1251 ", "\xC4", "Д"},
-        {"UNDEFINED", "\xE7", "ç"},             {"", "\xE7", "ç"},
-        {"NO_SUCH_PAGE", "\xE7", "ç"}};
-    for (const Row& row : rows)
-        EXPECT_EQ(read("AC1015", row.page, row.bytes), row.text) << row.page;
+    const Row rows[] = {{"ANSI_874", "\xA1\xD2", "กา"},
+                        {"ANSI_932", "\x93\xFA\x96\x7B", "日本"},
+                        {"ANSI_936", "\xD6\xD0\xB9\xFA", "中国"},
+                        {"ANSI_949", "\xC7\xD1\xB1\xB9", "한국"},
+                        {"ANSI_950", "\xA4\xA4\xB0\xEA", "中國"},
+                        {"ANSI_1250", "\xB3\xF3\x9F", "łóź"},
+                        {"ANSI_1251", "\xC4\xE0", "Да"},
+                        {"ANSI_1252", "a\xE7\xE3o \x80", "ação €"},
+                        {"ANSI_1253", "\xD9\xEC", "Ωμ"},
+                        {"ANSI_1254", "\xFD\xFE", "ış"},
+                        {"ANSI_1255", "\xF9\xEC", "של"},
+                        {"ANSI_1256", "\xD4\xE3", "شم"},
+                        {"ANSI_1257", "\xE8\xF0", "čš"},
+                        {"ANSI_1258", "\xC3\xFD", "Ăư"},
+                        {"DOS850", "\x81\x9C", "ü£"},
+                        {"DOS932", "\x93\xFA", "日"},
+                        {"MAC-ROMAN", "\x8D\x8B", "çã"},
+                        {"MACINTOSH", "\x8D", "ç"},
+                        {"DOS437", "\x81", "ü"},
+                        {"DOS852", "\x88", "ł"},
+                        {"DOS866", "\x84", "Д"},
+                        {"ISO8859-2", "\xB3", "ł"},
+                        {"BIG5", "\xA4\xA4", "中"},
+                        {"GB2312", "\xD6\xD0", "中"},
+                        {"KSC5601", "\xC7\xD1", "한"},
+                        {"ansi_1251", "\xC4\xE0", "Да"},
+                        {"Dos850", "\x81", "ü"},
+                        {"  ANSI_1251 ", "\xC4", "Д"},
+                        {"UNDEFINED", "\xE7", "ç"},
+                        {"", "\xE7", "ç"},
+                        {"NO_SUCH_PAGE", "\xE7", "ç"}};
+    for (const Row& row : rows) EXPECT_EQ(read("AC1015", row.page, row.bytes), row.text) << row.page;
 }
 
 TEST(ReaderCodePage, TakesUtf8FromR2007OnWhateverTheHeaderSays) {
@@ -84,15 +96,37 @@ TEST(ReaderEscapes, AreUndoneInEveryVersion) {
         const char* bytes;
         const char* text;
     };
-    const Row rows[] = {
-        {"\\U+00E7", "ç"},          {"\\U+03A9x", "Ωx"},        {"\\U+00D88", "Ø8"},      {"\\u+00e7", "ç"},
-        {"\\U+00E", "\\U+00E"},     {"\\U+00GG", "\\U+00GG"},   {"\\U00E7", "\\U00E7"},   {"\\U+0000", "\\U+0000"},
-        {"a\\U+D83D\\U+DE00", "a😀"}, {"\\\\U+00E7", "\\ç"},    {"\\P", "\\P"},           {"\\", "\\"},
-        {"\\M+182A0", "あ"},        {"\\M+5D6D0", "中"},        {"\\M+2A4A4", "中"},      {"\\M+3C7D1", "한"},
-        {"\\M+9D6D0", "\\M+9D6D0"}, {"\\M+1", "\\M+1"},         {"\\M+5D6", "\\M+5D6"},   {"^J", "\n"},
-        {"a^Lb", "a\fb"},           {"^I", "\t"},               {"^ ", "^"},              {"^^", "\x1E"},
-        {"^M^J", "\r\n"},           {"^", "^"},                 {"^1", "^1"},             {"^a", "^a"},
-        {"^@", "^@"},               {"^ J", "^J"},              {"%%c", "%%c"}};
+    const Row rows[] = {{"\\U+00E7", "ç"},
+                        {"\\U+03A9x", "Ωx"},
+                        {"\\U+00D88", "Ø8"},
+                        {"\\u+00e7", "ç"},
+                        {"\\U+00E", "\\U+00E"},
+                        {"\\U+00GG", "\\U+00GG"},
+                        {"\\U00E7", "\\U00E7"},
+                        {"\\U+0000", "\\U+0000"},
+                        {"a\\U+D83D\\U+DE00", "a😀"},
+                        {"\\\\U+00E7", "\\ç"},
+                        {"\\P", "\\P"},
+                        {"\\", "\\"},
+                        {"\\M+182A0", "あ"},
+                        {"\\M+5D6D0", "中"},
+                        {"\\M+2A4A4", "中"},
+                        {"\\M+3C7D1", "한"},
+                        {"\\M+9D6D0", "\\M+9D6D0"},
+                        {"\\M+1", "\\M+1"},
+                        {"\\M+5D6", "\\M+5D6"},
+                        {"^J", "\n"},
+                        {"a^Lb", "a\fb"},
+                        {"^I", "\t"},
+                        {"^ ", "^"},
+                        {"^^", "\x1E"},
+                        {"^M^J", "\r\n"},
+                        {"^", "^"},
+                        {"^1", "^1"},
+                        {"^a", "^a"},
+                        {"^@", "^@"},
+                        {"^ J", "^J"},
+                        {"%%c", "%%c"}};
     for (const Row& row : rows)
         for (const char* const version : {"AC1009", "AC1015", "AC1032"})
             EXPECT_EQ(read(version, "ANSI_1252", row.bytes), row.text) << row.bytes << " " << version;
@@ -104,7 +138,8 @@ TEST(ReaderEscapes, LookNotIntoTheSecondByteOfACharacter) {
     EXPECT_EQ(read("AC1015", "ANSI_932", "\xB1\\U+00E7"), "ｱç") << "half-width letters are single bytes";
     EXPECT_EQ(read("AC1015", "ANSI_950", "\xA5\x5C^J"), "功\n");
     EXPECT_EQ(read("AC1015", "ANSI_950", "\xA5\x5C\x55+00E7"), "功U+00E7");
-    EXPECT_EQ(read("AC1015", "ANSI_936", "\x80\\U+00E7\xD6\xD0").substr(3), "ç中") << "one byte below the pairs";
+    EXPECT_EQ(read("AC1015", "ANSI_936", "\x80\\U+00E7\xD6\xD0").substr(3), "ç中")
+        << "one byte below the pairs";
 }
 
 TEST(ReaderEscapes, KeepFormFeedsAndOtherControlBytesInTheirLine) {

@@ -14,8 +14,9 @@ namespace {
 dxf::Parts withBlock() {
     dxf::Parts parts;
     parts.blockRecords = dxf::Parts::record("BLOCK_RECORD", "50", "1", "MOTOR");
-    parts.blocks = dxf::Parts::block("MOTOR", "51", "50",
-                                     "0 ATTDEF|5 52|330 50|8 0|1 default|3 Which?|2 TAG|70 3|73 12|74 2|10 1.0|40 2.5");
+    parts.blocks =
+        dxf::Parts::block("MOTOR", "51", "50",
+                          "0 ATTDEF|5 52|330 50|8 0|1 default|3 Which?|2 TAG|70 3|73 12|74 2|10 1.0|40 2.5");
     return parts;
 }
 
@@ -27,7 +28,8 @@ std::vector<std::string> handlesInModelSpace(const OdDbDatabase& db) {
 
 TEST(ReferenceReader, ReadsPlaceBlockAndScale) {
     dxf::Parts parts = withBlock();
-    parts.entities = "0 INSERT|5 100|330 1F|100 AcDbEntity|8 0|100 AcDbBlockReference|2 MOTOR|10 1.0|20 2.0|30 3.0|41 -1.0|42 "
+    parts.entities = "0 INSERT|5 100|330 1F|100 AcDbEntity|8 0|100 AcDbBlockReference|2 MOTOR|10 1.0|20 "
+                     "2.0|30 3.0|41 -1.0|42 "
                      "2.0|43 0.5|50 90.0|210 0.0|220 0.0|230 -1.0";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto reference = byHandle<OdDbBlockReference>(db, "100");
@@ -59,7 +61,8 @@ TEST(ReferenceReader, ResolvesNamesExactlyFirstThenIgnoringCase) {
     parts.blockRecords += "|" + dxf::Parts::record("BLOCK_RECORD", "60", "1", "motor");
     parts.blocks += "|" + dxf::Parts::block("motor", "61", "60");
     parts.layers = dxf::Parts::layer("70", "PAG1", "62 1");
-    parts.entities = "0 INSERT|5 100|330 1F|8 pag1|2 motor|0 INSERT|5 101|330 1F|8 PAG1|2 MOTOR|0 INSERT|5 102|330 1F|8 0|2 Motor";
+    parts.entities = "0 INSERT|5 100|330 1F|8 pag1|2 motor|0 INSERT|5 101|330 1F|8 PAG1|2 MOTOR|0 INSERT|5 "
+                     "102|330 1F|8 0|2 Motor";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(byHandle<OdDbBlockReference>(db, "100")->blockTableRecord().getHandle(), OdDbHandle(0x60));
         EXPECT_EQ(byHandle<OdDbBlockReference>(db, "101")->blockTableRecord().getHandle(), OdDbHandle(0x50));
@@ -84,8 +87,9 @@ TEST(ReferenceReader, TakesBlocksThatContainThemselves) {
     dxf::Parts parts;
     parts.blockRecords = dxf::Parts::record("BLOCK_RECORD", "50", "1", "A") + "|" +
                          dxf::Parts::record("BLOCK_RECORD", "60", "1", "B");
-    parts.blocks = dxf::Parts::block("A", "51", "50", "0 INSERT|5 52|330 50|8 0|2 B|0 INSERT|5 53|330 50|8 0|2 A") + "|" +
-                   dxf::Parts::block("B", "61", "60", "0 INSERT|5 62|330 60|8 0|2 A");
+    parts.blocks =
+        dxf::Parts::block("A", "51", "50", "0 INSERT|5 52|330 50|8 0|2 B|0 INSERT|5 53|330 50|8 0|2 A") +
+        "|" + dxf::Parts::block("B", "61", "60", "0 INSERT|5 62|330 60|8 0|2 A");
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto ids = byHandle<OdDbBlockTableRecord>(db, "50")->getBlockReferenceIds();
         ASSERT_EQ(ids.size(), 2u);
@@ -100,11 +104,13 @@ TEST(AttributeReader, ReadsAllFieldsWithAndWithoutTheMarkAndTheEnd) {
         for (const char* const end : {"|0 SEQEND|5 102|8 0", ""}) {
             dxf::Parts parts = withBlock();
             parts.layers = dxf::Parts::layer("70", "TEXTS", "62 1");
-            parts.entities = "0 INSERT|5 100|330 1F|8 0" + std::string(mark) +
-                             "|2 MOTOR|0 ATTRIB|5 101|330 100|100 AcDbEntity|8 TEXTS|100 AcDbText|10 1.0|20 2.0|40 2.5|1 -K1|50 "
-                             "45.0|41 0.8|51 10.0|7 Standard|72 1|11 3.0|21 4.0|100 AcDbAttribute|2 TAG|70 1|73 7|74 2|0 "
-                             "ATTRIB|5 103|8 0|2 TAG|1 again" +
-                             end + "|0 LINE|5 104|330 1F|8 0";
+            parts.entities =
+                "0 INSERT|5 100|330 1F|8 0" + std::string(mark) +
+                "|2 MOTOR|0 ATTRIB|5 101|330 100|100 AcDbEntity|8 TEXTS|100 AcDbText|10 1.0|20 2.0|40 2.5|1 "
+                "-K1|50 "
+                "45.0|41 0.8|51 10.0|7 Standard|72 1|11 3.0|21 4.0|100 AcDbAttribute|2 TAG|70 1|73 7|74 2|0 "
+                "ATTRIB|5 103|8 0|2 TAG|1 again" +
+                end + "|0 LINE|5 104|330 1F|8 0";
             inBothForms(parts.groups(), [](OdDbDatabase& db) {
                 EXPECT_EQ(handlesInModelSpace(db), (Texts{"100", "104"}));
                 const auto reference = byHandle<OdDbBlockReference>(db, "100");
@@ -131,7 +137,8 @@ TEST(AttributeReader, ReadsAllFieldsWithAndWithoutTheMarkAndTheEnd) {
 
 TEST(AttributeReader, PassesOverAStrayEnd) {
     dxf::Parts parts = withBlock();
-    parts.entities = "0 SEQEND|5 100|330 1F|8 0|0 LINE|5 101|330 1F|8 0|0 SEQEND|5 102|330 1F|8 0|0 INSERT|5 103|330 1F|8 0|2 "
+    parts.entities = "0 SEQEND|5 100|330 1F|8 0|0 LINE|5 101|330 1F|8 0|0 SEQEND|5 102|330 1F|8 0|0 INSERT|5 "
+                     "103|330 1F|8 0|2 "
                      "MOTOR|0 SEQEND|5 104|8 0|0 SEQEND|5 105|330 1F|8 0";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(handlesInModelSpace(db), (Texts{"101", "103"}));
@@ -150,8 +157,10 @@ TEST(AttributeReader, KeepsALooseAttributeAsAnEntity) {
 
 TEST(AttributeReader, KeepsAnEmbeddedObjectApartFromItsOwnFields) {
     dxf::Parts parts = withBlock();
-    parts.entities = "0 INSERT|5 100|330 1F|8 0|66 1|2 MOTOR|0 ATTRIB|5 101|330 100|8 0|10 1.0|20 2.0|40 2.5|1 one|2 TAG|70 1|"
-                     "101 Embedded Object|70 0|10 9.0|20 8.0|40 7.0|41 30.0|71 5|3 first |1 last|2 OTHER|1001 ACAD|1000 x";
+    parts.entities =
+        "0 INSERT|5 100|330 1F|8 0|66 1|2 MOTOR|0 ATTRIB|5 101|330 100|8 0|10 1.0|20 2.0|40 2.5|1 one|2 "
+        "TAG|70 1|"
+        "101 Embedded Object|70 0|10 9.0|20 8.0|40 7.0|41 30.0|71 5|3 first |1 last|2 OTHER|1001 ACAD|1000 x";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto attribute = byHandle<OdDbAttribute>(db, "101");
         EXPECT_EQ(utf8(attribute->textString()), "one");
@@ -180,7 +189,8 @@ TEST(AttributeReader, KnowsAnEmbeddedObjectByItsGroupAndNotByItsWords) {
 
 TEST(AttributeReader, KeepsTheXrecordOfSeveralLinesApart) {
     dxf::Parts parts = withBlock();
-    parts.entities = "0 INSERT|5 100|330 1F|8 0|2 MOTOR|0 ATTRIB|5 101|330 100|8 0|10 1.0|20 2.0|40 2.5|1 one|2 TAG|70 1|100 "
+    parts.entities = "0 INSERT|5 100|330 1F|8 0|2 MOTOR|0 ATTRIB|5 101|330 100|8 0|10 1.0|20 2.0|40 2.5|1 "
+                     "one|2 TAG|70 1|100 "
                      "AcDbXrecord|280 1|70 2|70 0|70 0|340 0|10 9.0|20 9.0|30 0.0|40 1.0|2 OTHER";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto attribute = byHandle<OdDbAttribute>(db, "101");
@@ -206,14 +216,18 @@ TEST(AttributeReader, ReadsDefinitions) {
     dxf::Parts parts = withBlock();
     parts.entities = "0 ATTDEF|5 100|330 1F|8 0|2 T|1 one|101 Embedded Object|1 several";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
-        EXPECT_EQ(utf8(byHandle<OdDbAttributeDefinition>(db, "100")->getMTextAttributeDefinition()->contents()), "several");
+        EXPECT_EQ(
+            utf8(byHandle<OdDbAttributeDefinition>(db, "100")->getMTextAttributeDefinition()->contents()),
+            "several");
     });
 }
 
 TEST(EntityReader, ReadsCommonProperties) {
     dxf::Parts parts;
-    parts.entities = "0 LINE|5 100|330 1F|100 AcDbEntity|8 0|6 Continuous|62 3|48 2.5|370 35|440 33554512|60 1|11 1.0|0 LINE|5 "
-                     "101|330 1F|8 0|62 3|420 66051|0 LINE|5 102|330 1F|8 0|420 66051|62 3|0 LINE|5 103|330 1F|8 0|62 256|6 NOPE|0 "
+    parts.entities = "0 LINE|5 100|330 1F|100 AcDbEntity|8 0|6 Continuous|62 3|48 2.5|370 35|440 33554512|60 "
+                     "1|11 1.0|0 LINE|5 "
+                     "101|330 1F|8 0|62 3|420 66051|0 LINE|5 102|330 1F|8 0|420 66051|62 3|0 LINE|5 103|330 "
+                     "1F|8 0|62 256|6 NOPE|0 "
                      "LINE|5 104|330 1F|8 0|62 0";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto line = byHandle<OdDbLine>(db, "100");
@@ -233,15 +247,15 @@ TEST(EntityReader, ReadsCommonProperties) {
 
 TEST(EntityReader, ReadsShapes) {
     dxf::Parts parts;
-    parts.entities =
-        "0 LINE|5 100|330 1F|8 0|10 1.0|20 2.0|30 3.0|11 4.0|21 5.0|31 6.0|"
-        "0 CIRCLE|5 101|330 1F|8 0|10 1.0|20 2.0|40 7.5|230 -1.0|"
-        "0 ARC|5 102|330 1F|8 0|40 2.0|50 90.0|51 180.0|"
-        "0 ELLIPSE|5 103|330 1F|8 0|10 1.0|11 4.0|40 0.5|41 1.0|42 2.0|"
-        "0 POINT|5 104|330 1F|8 0|10 1.0|20 2.0|30 3.0|"
-        "0 LWPOLYLINE|5 105|330 1F|8 0|90 3|70 1|38 5.0|43 0.0|10 0.0|20 0.0|42 0.5|10 1.0|20 2.0|10 3.0|20 4.0|"
-        "0 MTEXT|5 106|330 1F|8 0|10 1.0|40 2.5|41 30.0|71 4|3 a\\P|3 b|1 c|"
-        "0 TEXT|5 107|330 1F|8 0|1 t|71 6|72 2|73 3|39 1.5|210 1.0|220 0.0|230 0.0";
+    parts.entities = "0 LINE|5 100|330 1F|8 0|10 1.0|20 2.0|30 3.0|11 4.0|21 5.0|31 6.0|"
+                     "0 CIRCLE|5 101|330 1F|8 0|10 1.0|20 2.0|40 7.5|230 -1.0|"
+                     "0 ARC|5 102|330 1F|8 0|40 2.0|50 90.0|51 180.0|"
+                     "0 ELLIPSE|5 103|330 1F|8 0|10 1.0|11 4.0|40 0.5|41 1.0|42 2.0|"
+                     "0 POINT|5 104|330 1F|8 0|10 1.0|20 2.0|30 3.0|"
+                     "0 LWPOLYLINE|5 105|330 1F|8 0|90 3|70 1|38 5.0|43 0.0|10 0.0|20 0.0|42 0.5|10 1.0|20 "
+                     "2.0|10 3.0|20 4.0|"
+                     "0 MTEXT|5 106|330 1F|8 0|10 1.0|40 2.5|41 30.0|71 4|3 a\\P|3 b|1 c|"
+                     "0 TEXT|5 107|330 1F|8 0|1 t|71 6|72 2|73 3|39 1.5|210 1.0|220 0.0|230 0.0";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(byHandle<OdDbLine>(db, "100")->startPoint(), OdGePoint3d(1, 2, 3));
         EXPECT_EQ(byHandle<OdDbLine>(db, "100")->endPoint(), OdGePoint3d(4, 5, 6));
@@ -277,11 +291,16 @@ TEST(EntityReader, ReadsNumbersInEveryWayThatTheyAreWritten) {
         const char* text;
         double value;
     };
-    const Row rows[] = {{"1.5", 1.5},   {"1,5", 1.5},     {"  1.5 ", 1.5}, {"+1.5", 1.5},    {"-1.5", -1.5}, {"-0,25", -0.25},
-                        {"1", 1},       {"1.", 1},        {".5", 0.5},     {"1e3", 1000},    {"1.5E-1", 0.15}, {"1,5e1", 15},
-                        {"-.5", -0.5},  {"100000000000000000000.0", 1e20}};
+    const Row rows[] = {{"1.5", 1.5},     {"1,5", 1.5},
+                        {"  1.5 ", 1.5},  {"+1.5", 1.5},
+                        {"-1.5", -1.5},   {"-0,25", -0.25},
+                        {"1", 1},         {"1.", 1},
+                        {".5", 0.5},      {"1e3", 1000},
+                        {"1.5E-1", 0.15}, {"1,5e1", 15},
+                        {"-.5", -0.5},    {"100000000000000000000.0", 1e20}};
     for (const Row& row : rows) {
-        const auto db = readGroups("0 SECTION|2 ENTITIES|0 LINE|5 A1|8 0|11 " + std::string(row.text) + "|0 ENDSEC|0 EOF");
+        const auto db = readGroups("0 SECTION|2 ENTITIES|0 LINE|5 A1|8 0|11 " + std::string(row.text) +
+                                   "|0 ENDSEC|0 EOF");
         EXPECT_EQ(byHandle<OdDbLine>(*db.get(), "A1")->endPoint().x, row.value) << row.text;
         EXPECT_EQ(db->report().count(Defect::kBadNumber), 0u) << row.text;
     }
@@ -289,7 +308,8 @@ TEST(EntityReader, ReadsNumbersInEveryWayThatTheyAreWritten) {
 
 TEST(EntityReader, IgnoresGroupsInBraces) {
     dxf::Parts parts;
-    parts.entities = "0 TEXT|5 100|102 {ACAD_XDICTIONARY|360 C|102 }|102 {ACAD_REACTORS|330 C|1 no text|8 NOLAYER|102 }|330 1F|8 0|1 x";
+    parts.entities = "0 TEXT|5 100|102 {ACAD_XDICTIONARY|360 C|102 }|102 {ACAD_REACTORS|330 C|1 no text|8 "
+                     "NOLAYER|102 }|330 1F|8 0|1 x";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(utf8(byHandle<OdDbText>(db, "100")->textString()), "x");
         EXPECT_EQ(utf8(byHandle<OdDbText>(db, "100")->layer()), "0");
@@ -299,7 +319,8 @@ TEST(EntityReader, IgnoresGroupsInBraces) {
 
 TEST(EntityReader, MakesTheLayersThatItsEntitiesStandOn) {
     dxf::Parts parts;
-    parts.entities = "0 LINE|5 100|330 1F|8 NEW|0 LINE|5 101|330 1F|8 NEW|0 LINE|5 102|330 1F|8 new2|0 LINE|5 103|330 1F|8 |0 LINE|5 104|330 1F";
+    parts.entities = "0 LINE|5 100|330 1F|8 NEW|0 LINE|5 101|330 1F|8 NEW|0 LINE|5 102|330 1F|8 new2|0 "
+                     "LINE|5 103|330 1F|8 |0 LINE|5 104|330 1F";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(namesOf(db.getLayerTableId()), (Texts{"0", "NEW", "new2"})) << "and no other";
         EXPECT_EQ(utf8(byHandle<OdDbLine>(db, "101")->layer()), "NEW");
@@ -320,8 +341,8 @@ TEST(EntityReader, KeepsItsLayerWhenThatIsRenamedBeforeItIsOpened) {
 
 TEST(LayerReader, ReadsStatesAndColors) {
     dxf::Parts parts;
-    parts.layers = dxf::Parts::layer("70", "PLAIN", "62 1") + "|" +
-                   dxf::Parts::layer("71", "OFF", "62 -5") + "|" + dxf::Parts::layer("72", "TRUE", "420 66051|62 -5") + "|" +
+    parts.layers = dxf::Parts::layer("70", "PLAIN", "62 1") + "|" + dxf::Parts::layer("71", "OFF", "62 -5") +
+                   "|" + dxf::Parts::layer("72", "TRUE", "420 66051|62 -5") + "|" +
                    "0 LAYER|5 73|330 2|2 LOCKED|70 5|62 2|6 Continuous|1001 ACAD|1000 page";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_FALSE(byHandle<OdDbLayerTableRecord>(db, "70")->isFrozen());
@@ -337,7 +358,8 @@ TEST(LayerReader, ReadsStatesAndColors) {
         EXPECT_FALSE(locked->isOff());
         EXPECT_EQ(locked->linetypeObjectId(), db.getLinetypeContinuousId());
         EXPECT_EQ(textOf(locked->xData()), "1001 ACAD|1000 page");
-        EXPECT_EQ(utf8(open<OdDbLinetypeTableRecord>(db.getLinetypeContinuousId())->comments()), "Solid line");
+        EXPECT_EQ(utf8(open<OdDbLinetypeTableRecord>(db.getLinetypeContinuousId())->comments()),
+                  "Solid line");
     });
 }
 
@@ -349,7 +371,8 @@ TEST(ViewportReader, HasItsSizeInDrawingUnits) {
         EXPECT_EQ(viewport->width(), 150) << "the file has the ratio";
     });
     dxf::Parts parts;
-    parts.tables = dxf::Parts::table("VIEW", "40", dxf::Parts::record("VIEW", "41", "40", "V", "10 1.0|20 2.0|40 30.0|41 40.0"));
+    parts.tables = dxf::Parts::table(
+        "VIEW", "40", dxf::Parts::record("VIEW", "41", "40", "V", "10 1.0|20 2.0|40 30.0|41 40.0"));
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto view = byHandle<OdDbViewTableRecord>(db, "41");
         EXPECT_EQ(view->centerPoint(), OdGePoint2d(1, 2));
@@ -359,12 +382,15 @@ TEST(ViewportReader, HasItsSizeInDrawingUnits) {
 
 TEST(DictionaryReader, KeepsEntriesInOrder) {
     dxf::Parts parts;
-    parts.objects = "3 LATER|350 80|3 FIRST|360 81|3 LOST|350 FFF|3 NOTHING|1001 ACAD|1000 on it|0 DICTIONARY|5 80|330 C|3 "
-                    "ITEM|350 82|0 ACDBDICTIONARYWDFLT|5 81|330 C|3 X|350 82|340 82|0 XRECORD|5 82|330 80|100 AcDbXrecord|1 a";
+    parts.objects = "3 LATER|350 80|3 FIRST|360 81|3 LOST|350 FFF|3 NOTHING|1001 ACAD|1000 on it|0 "
+                    "DICTIONARY|5 80|330 C|3 "
+                    "ITEM|350 82|0 ACDBDICTIONARYWDFLT|5 81|330 C|3 X|350 82|340 82|0 XRECORD|5 82|330 "
+                    "80|100 AcDbXrecord|1 a";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto named = open<OdDbDictionary>(db.getNamedObjectsDictionaryId());
         Texts names;
-        for (const auto walk = named->newIterator(); !walk->done(); walk->next()) names.push_back(utf8(walk->name()));
+        for (const auto walk = named->newIterator(); !walk->done(); walk->next())
+            names.push_back(utf8(walk->name()));
         EXPECT_EQ(names, (Texts{"LATER", "FIRST"})) << "entries without an object are no entries";
         EXPECT_EQ(named->getAt(od("LATER")).getHandle(), OdDbHandle(0x80));
         EXPECT_EQ(byHandle<OdDbDictionary>(db, "81")->numEntries(), 1u);
@@ -375,13 +401,16 @@ TEST(DictionaryReader, KeepsEntriesInOrder) {
 
 TEST(XrecordReader, ReadsAChainOfAllCodes) {
     dxf::Parts parts;
-    parts.objects = "0 XRECORD|5 80|102 {ACAD_REACTORS|330 C|102 }|330 C|100 AcDbXrecord|280 1|1 text^J|2 BLOCK|8 LAYER|5 77|10 "
-                    "1.0|20 2.0|30 3.0|10 4.0|20 5.0|40 2.5|62 -7|70 32767|90 -70000|160 5000000000|280 2|290 1|310 00FF7A|330 "
+    parts.objects = "0 XRECORD|5 80|102 {ACAD_REACTORS|330 C|102 }|330 C|100 AcDbXrecord|280 1|1 text^J|2 "
+                    "BLOCK|8 LAYER|5 77|10 "
+                    "1.0|20 2.0|30 3.0|10 4.0|20 5.0|40 2.5|62 -7|70 32767|90 -70000|160 5000000000|280 "
+                    "2|290 1|310 00FF7A|330 "
                     "1F|360 C|102 {BRACE|102 }|100 Marker|1001 ACAD|1000 x";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto record = byHandle<OdDbXrecord>(db, "80");
-        EXPECT_EQ(textOf(record->rbChain()), "1 text\n|2 BLOCK|8 LAYER|5 77|10 1,2,3|10 4,5,0|40 2.5|62 -7|70 32767|90 -70000|160 "
-                                             "5000000000|280 2|290 1|310 00FF7A|330 1F|360 C|102 {BRACE|102 }|100 Marker");
+        EXPECT_EQ(textOf(record->rbChain()),
+                  "1 text\n|2 BLOCK|8 LAYER|5 77|10 1,2,3|10 4,5,0|40 2.5|62 -7|70 32767|90 -70000|160 "
+                  "5000000000|280 2|290 1|310 00FF7A|330 1F|360 C|102 {BRACE|102 }|100 Marker");
         EXPECT_EQ(textOf(record->xData()), "1001 ACAD|1000 x");
     });
 }
@@ -397,12 +426,15 @@ TEST(XrecordReader, GivesNoChainWhereThereIsNone) {
 
 TEST(XDataReader, ReadsAllCodesOfAllIds) {
     dxf::Parts parts;
-    parts.entities = "0 LINE|5 100|330 1F|8 0|1001 A|1000 text|1002 {|1003 LAYER|1004 00FF|1005 2F|1010 1.0|1020 2.0|1030 3.0|1011 "
-                     "4.0|1021 5.0|1031 6.0|1040 2.5|1041 3.5|1042 4.5|1070 -7|1071 70000|1002 }|1001 LONE|1001 B|1000 b";
+    parts.entities =
+        "0 LINE|5 100|330 1F|8 0|1001 A|1000 text|1002 {|1003 LAYER|1004 00FF|1005 2F|1010 1.0|1020 2.0|1030 "
+        "3.0|1011 "
+        "4.0|1021 5.0|1031 6.0|1040 2.5|1041 3.5|1042 4.5|1070 -7|1071 70000|1002 }|1001 LONE|1001 B|1000 b";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const auto line = byHandle<OdDbLine>(db, "100");
-        EXPECT_EQ(textOf(line->xData(od("A"))), "1001 A|1000 text|1002 {|1003 LAYER|1004 00FF|1005 2F|1010 1,2,3|1011 4,5,6|1040 "
-                                                "2.5|1041 3.5|1042 4.5|1070 -7|1071 70000|1002 }");
+        EXPECT_EQ(textOf(line->xData(od("A"))),
+                  "1001 A|1000 text|1002 {|1003 LAYER|1004 00FF|1005 2F|1010 1,2,3|1011 4,5,6|1040 "
+                  "2.5|1041 3.5|1042 4.5|1070 -7|1071 70000|1002 }");
         EXPECT_EQ(textOf(line->xData(od("LONE"))), "1001 LONE") << "a lone head in a file is kept";
         EXPECT_EQ(textOf(line->xData(od("B"))), "1001 B|1000 b");
     });
@@ -410,7 +442,8 @@ TEST(XDataReader, ReadsAllCodesOfAllIds) {
 
 TEST(XDataReader, JoinsTheDataOfAnIdThatIsNamedAgain) {
     dxf::Parts parts;
-    parts.entities = "0 LINE|5 100|330 1F|8 0|1001 A|1000 a|1001 B|1001 A|1000 b|1070 1|1001 A|1001 B|1000 c|1001 A|1000 d";
+    parts.entities = "0 LINE|5 100|330 1F|8 0|1001 A|1000 a|1001 B|1001 A|1000 b|1070 1|1001 A|1001 B|1000 "
+                     "c|1001 A|1000 d";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(textOf(byHandle<OdDbLine>(db, "100")->xData()),
                   "1001 A|1000 a|1000 b|1070 1|1000 d|1001 B|1000 c");

@@ -37,13 +37,15 @@ TEST(ReaderErrors, NameFilePlaceFoundAndExpected) {
         {"AC1032\n\n\n", eUnknownFormat, "is no drawing"},
         {"0\nSECTION\n2\nENTITIES\nx\n1\n", eBrokenFile, "line 5: expected a group code, found \"x\""},
         {"0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n\n1\n", eBrokenFile, "line 9: expected a group code"},
-        {"0\nSECTION\n2\nENTITIES\n5\n1\n0\nENDSEC\n", eBrokenFile, "line 5: expected an entity, found group code 5"},
+        {"0\nSECTION\n2\nENTITIES\n5\n1\n0\nENDSEC\n", eBrokenFile,
+         "line 5: expected an entity, found group code 5"},
         {"0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n", eBrokenFile, "ends inside an entry"},
         {"0\nSECTION\n2\nENTITIES\n", eBrokenFile, "ends inside section ENTITIES"},
         {"0\nSECTION\n5\nENTITIES\n", eBrokenFile, "line 3: expected the name of a section"},
         {"0\nSECTION\n", eBrokenFile, "expected the name of a section"},
         {"0\nSECTION\n2\nHEADER\n9\n$X\n0\nLINE\n", eBrokenFile, "line 8: expected ENDSEC, found \"LINE\""},
-        {"0\nSECTION\n2\nCLASSES\n0\nENDSEC\n0\nLINE\n", eBrokenFile, "line 8: expected SECTION or EOF, found \"LINE\""},
+        {"0\nSECTION\n2\nCLASSES\n0\nENDSEC\n0\nLINE\n", eBrokenFile,
+         "line 8: expected SECTION or EOF, found \"LINE\""},
         {"0\nEOF\n", eBrokenFile, "expected a section, found \"none\""},
         {"999\nno more\n", eBrokenFile, "expected a section"},
     };
@@ -77,8 +79,8 @@ TEST(ReaderErrors, TellTheVersionsThatArentSupported) {
         EXPECT_NE(failure.text.find(version), std::string::npos) << failure.text;
         EXPECT_NE(failure.text.find("AC1032"), std::string::npos) << failure.text;
     }
-    for (const char* const version : {"AC1006", "AC1009", "AC1012", "AC1014", "AC1015", "AC1018", "AC1021", "AC1024",
-                                      "AC1027", "AC1032", " AC1015 "}) {
+    for (const char* const version : {"AC1006", "AC1009", "AC1012", "AC1014", "AC1015", "AC1018", "AC1021",
+                                      "AC1024", "AC1027", "AC1032", " AC1015 "}) {
         parts.version = version;
         EXPECT_EQ(readFailing(dxf::text(parts.groups())).text, "") << version;
     }
@@ -91,7 +93,8 @@ TEST(ReaderErrors, TellEveryTruncatedFile) {
         for (std::size_t size = 0; size < bytes.size(); size += 7) {
             try {
                 const auto db = readBytes(bytes.substr(0, size));
-                EXPECT_EQ(db->report().count(Defect::kMissingEnd), 1u) << size << ": whole sections were left";
+                EXPECT_EQ(db->report().count(Defect::kMissingEnd), 1u)
+                    << size << ": whole sections were left";
             } catch (const OdError& error) {
                 EXPECT_FALSE(error.description().isEmpty()) << size;
             }

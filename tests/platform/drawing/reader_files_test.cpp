@@ -28,7 +28,9 @@ protected:
         std::ofstream(path(name), std::ios::binary) << bytes;
         return path(name);
     }
-    static OdSmartPtr<OdDbDatabase> read(const std::string& path) { return lm::drawing::readDrawing(od(path)); }
+    static OdSmartPtr<OdDbDatabase> read(const std::string& path) {
+        return lm::drawing::readDrawing(od(path));
+    }
 
     static std::string drawing() {
         dxf::Parts parts;
@@ -66,14 +68,15 @@ TEST_F(ReaderFiles, RaiseOneLineForWhatIsNoDrawing) {
         OdResult code;
         const char* text;
     };
-    const Row rows[] = {{path("missing.dxf"), eFileNotFound, "doesn't exist"},
-                        {path("no/such/folder.dxf"), eFileNotFound, "doesn't exist"},
-                        {write("file.dxf", "x") + "/below", eFileNotFound, "doesn't exist"},
-                        {"", eFileNotFound, "doesn't exist"},
-                        {path("folder"), eFileUnreadable, "folder"},
-                        {write("empty.dxf", ""), eUnknownFormat, "empty"},
-                        {write("foreign.dxf", std::string("PK\3\4\0\0", 6)), eUnknownFormat, "no drawing"},
-                        {write("long.dxf", "0\nSECTION\n" + std::string(17 << 20, 'x')), eBrokenFile, "line 3"}};
+    const Row rows[] = {
+        {path("missing.dxf"), eFileNotFound, "doesn't exist"},
+        {path("no/such/folder.dxf"), eFileNotFound, "doesn't exist"},
+        {write("file.dxf", "x") + "/below", eFileNotFound, "doesn't exist"},
+        {"", eFileNotFound, "doesn't exist"},
+        {path("folder"), eFileUnreadable, "folder"},
+        {write("empty.dxf", ""), eUnknownFormat, "empty"},
+        {write("foreign.dxf", std::string("PK\3\4\0\0", 6)), eUnknownFormat, "no drawing"},
+        {write("long.dxf", "0\nSECTION\n" + std::string(17 << 20, 'x')), eBrokenFile, "line 3"}};
     for (const Row& row : rows) {
         EXPECT_EQ(codeOf([&] { read(row.path); }), row.code) << row.path;
         const std::string text = errorOf([&] { read(row.path); });
@@ -96,7 +99,8 @@ TEST_F(ReaderFiles, AreReadWholeOrNotAtAllWhileSomebodyAppends) {
     dxf::Parts parts;
     for (int i = 0; i < 20000; ++i) {
         if (i != 0) parts.entities += '|';
-        parts.entities += "0 LINE|5 " + utf8(OdDbHandle(0x1000u + static_cast<unsigned>(i)).ascii()) + "|330 1F|8 0|10 1.0";
+        parts.entities +=
+            "0 LINE|5 " + utf8(OdDbHandle(0x1000u + static_cast<unsigned>(i)).ascii()) + "|330 1F|8 0|10 1.0";
     }
     const std::string file = write("growing.dxf", dxf::text(parts.groups()));
     std::atomic<bool> stop{false};
@@ -134,7 +138,8 @@ TEST_F(ReaderFiles, SurviveATruncationUnderTheReader) {
     });
     for (int round = 0; round < 200; ++round) {
         const OdResult code = codeOf([&] { read(file); });
-        EXPECT_TRUE(code == eOk || code == eFileChanged || code == eBrokenFile || code == eUnknownFormat) << code;
+        EXPECT_TRUE(code == eOk || code == eFileChanged || code == eBrokenFile || code == eUnknownFormat)
+            << code;
     }
     stop = true;
     writer.join();

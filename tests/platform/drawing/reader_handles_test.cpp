@@ -21,8 +21,9 @@ using Handles = std::vector<std::string>;
 } // namespace
 
 TEST(ReaderHandles, StayAsTheFileHasThem) {
-    const auto db = readEntities("0 LINE|5 1A0|330 1F|8 0|0 LINE|5 00ab|330 1F|8 0|0 LINE|5 FFFFFFFFFF|330 1F|8 0|"
-                                 "0 LINE|5  1B0 |330 1F|8 0");
+    const auto db =
+        readEntities("0 LINE|5 1A0|330 1F|8 0|0 LINE|5 00ab|330 1F|8 0|0 LINE|5 FFFFFFFFFF|330 1F|8 0|"
+                     "0 LINE|5  1B0 |330 1F|8 0");
     EXPECT_EQ(handlesInModelSpace(*db.get()), (Handles{"1A0", "AB", "FFFFFFFFFF", "1B0"}));
     EXPECT_EQ(db->report().total(), 0u) << reportOf(*db.get());
     EXPECT_FALSE(byHandle<OdDbLine>(*db.get(), "FFFFFFFFFF").isNull());
@@ -30,8 +31,8 @@ TEST(ReaderHandles, StayAsTheFileHasThem) {
 }
 
 TEST(ReaderHandles, AreGivenWhereTheyAreMissing) {
-    for (const char* const entity : {"0 LINE|330 1F|8 0", "0 LINE|5 0|330 1F|8 0", "0 LINE|5 |330 1F|8 0",
-                                     "0 LINE|5 0000|330 1F|8 0"}) {
+    for (const char* const entity :
+         {"0 LINE|330 1F|8 0", "0 LINE|5 0|330 1F|8 0", "0 LINE|5 |330 1F|8 0", "0 LINE|5 0000|330 1F|8 0"}) {
         const auto db = readEntities(std::string("0 LINE|5 1A0|330 1F|8 0|") + entity);
         EXPECT_EQ(handlesInModelSpace(*db.get()), (Handles{"1A0", "20F"})) << entity;
         EXPECT_EQ(db->report().count(Defect::kMissingHandle), 1u);
@@ -41,7 +42,8 @@ TEST(ReaderHandles, AreGivenWhereTheyAreMissing) {
 }
 
 TEST(ReaderHandles, AreReplacedWhereTheyStandTwice) {
-    const auto db = readEntities("0 LINE|5 100|330 1F|8 0|0 CIRCLE|5 100|330 1F|8 0|0 CIRCLE|5 100|330 1F|8 0");
+    const auto db =
+        readEntities("0 LINE|5 100|330 1F|8 0|0 CIRCLE|5 100|330 1F|8 0|0 CIRCLE|5 100|330 1F|8 0");
     EXPECT_EQ(handlesInModelSpace(*db.get()), (Handles{"100", "20F", "210"})); // 20E is the highest
     EXPECT_FALSE(byHandle<OdDbLine>(*db.get(), "100").isNull()) << "the first one keeps it";
     EXPECT_EQ(db->report().count(Defect::kDoubledHandle), 2u);
@@ -59,8 +61,9 @@ TEST(ReaderHandles, AreReplacedWhereTheyAreNoNumbers) {
 }
 
 TEST(ReaderHandles, AreExpectedFromR13OnOnly) {
-    const auto db = readGroups("0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|8 0|0 "
-                               "LINE|8 0|0 ENDSEC|0 EOF");
+    const auto db =
+        readGroups("0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|8 0|0 "
+                   "LINE|8 0|0 ENDSEC|0 EOF");
     EXPECT_EQ(db->report().count(Defect::kMissingHandle), 0u);
     const Handles given = handlesInModelSpace(*db.get());
     ASSERT_EQ(given.size(), 2u);
@@ -91,7 +94,8 @@ TEST(ReaderHandles, AreFoundBesideAWildOne) {
     // Handles beyond what is dense at first, and one so far out that it costs no memory.
     std::string entities = "0 LINE|5 FFFFFFFF0000|330 1F|8 0";
     for (int i = 0; i < 400; ++i)
-        entities += "|0 LINE|5 " + utf8(OdDbHandle(65536 + static_cast<unsigned>(i) * 16).ascii()) + "|330 1F|8 0";
+        entities +=
+            "|0 LINE|5 " + utf8(OdDbHandle(65536 + static_cast<unsigned>(i) * 16).ascii()) + "|330 1F|8 0";
     const auto db = readEntities(entities);
     for (const std::string& handle : handlesInModelSpace(*db.get()))
         EXPECT_FALSE(byHandle<OdDbLine>(*db.get(), handle).isNull()) << handle;
@@ -111,7 +115,8 @@ TEST(ReaderHandles, AreNoGroup5OfASortTable) {
 
 TEST(ReaderHandles, OfDimensionStylesStandUnder105) {
     dxf::Parts parts;
-    parts.tables = dxf::Parts::table("DIMSTYLE", "A", "0 DIMSTYLE|105 27|330 A|100 AcDbSymbolTableRecord|2 Standard|5 ARROW|70 0");
+    parts.tables = dxf::Parts::table(
+        "DIMSTYLE", "A", "0 DIMSTYLE|105 27|330 A|100 AcDbSymbolTableRecord|2 Standard|5 ARROW|70 0");
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(db.report().total(), 0u) << reportOf(db);
         EXPECT_EQ(utf8(byHandle<OdDbObject>(db, "27")->dxfName()), "DIMSTYLE");

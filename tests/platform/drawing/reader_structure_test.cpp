@@ -10,7 +10,9 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-std::size_t countIn(const OdDbDatabase& db) { return handlesOf(modelSpace(db)->newIterator()).size(); }
+std::size_t countIn(const OdDbDatabase& db) {
+    return handlesOf(modelSpace(db)->newIterator()).size();
+}
 
 /// What every drawing must have after reading, whatever the file lacked.
 void expectUsable(OdDbDatabase& db) {
@@ -24,7 +26,8 @@ void expectUsable(OdDbDatabase& db) {
     EXPECT_TRUE(db.getNamedObjectsDictionaryId().isValid());
     const OdDbObjectId id = append(db, make<OdDbLine>());
     EXPECT_EQ(db.getOdDbObjectId(id.getHandle()), id);
-    open<OdDbDictionary>(db.getNamedObjectsDictionaryId(), OdDb::kForWrite)->setAt(od("NEW"), make<OdDbXrecord>());
+    open<OdDbDictionary>(db.getNamedObjectsDictionaryId(), OdDb::kForWrite)
+        ->setAt(od("NEW"), make<OdDbXrecord>());
 }
 
 } // namespace
@@ -54,7 +57,8 @@ TEST(ReaderStructure, ReadsWhateverSectionsAreMissing) {
         parts.withEnd = (missing & 32) == 0;
         parts.entities = "0 LINE|5 100|330 1F|100 AcDbEntity|8 0";
         if ((missing & 31) == 31) {
-            EXPECT_EQ(codeOf([&] { readGroups(parts.groups()); }), parts.withEnd ? eBrokenFile : eUnknownFormat);
+            EXPECT_EQ(codeOf([&] { readGroups(parts.groups()); }),
+                      parts.withEnd ? eBrokenFile : eUnknownFormat);
             continue;
         }
         inBothForms(parts.groups(), [&](OdDbDatabase& db) {
@@ -76,12 +80,14 @@ TEST(ReaderStructure, ReportsMissingTablesWhereTheyAreExpected) {
 
 TEST(ReaderStructure, KeepsSectionsThatItDoesntKnow) {
     dxf::Parts parts;
-    parts.after = "0 SECTION|2 ACDSDATA|70 2|0 ACDSRECORD|90 3|310 00FF|0 ENDSEC|0 SECTION|2 THUMBNAILIMAGE|90 2|310 AABB|0 ENDSEC";
+    parts.after = "0 SECTION|2 ACDSDATA|70 2|0 ACDSRECORD|90 3|310 00FF|0 ENDSEC|0 SECTION|2 "
+                  "THUMBNAILIMAGE|90 2|310 AABB|0 ENDSEC";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         const lm::drawing::DatabaseData& data = db.data();
         Names names;
         for (const auto& section : data.sections) names.push_back(section.name);
-        EXPECT_EQ(names, (Names{"HEADER", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS", "ACDSDATA", "THUMBNAILIMAGE"}));
+        EXPECT_EQ(names,
+                  (Names{"HEADER", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS", "ACDSDATA", "THUMBNAILIMAGE"}));
         for (const auto& section : data.sections) EXPECT_GT(section.length, 0u) << section.name;
         EXPECT_LE(data.sections.back().offset + data.sections.back().length, data.source->bytes.size());
         EXPECT_EQ(db.report().total(), 0u) << reportOf(db);
@@ -92,7 +98,8 @@ TEST(ReaderStructure, SkipsCommentsInFrontAndInsideEntries) {
     dxf::Parts parts;
     parts.before = "999 made by a program|999 0|999 SECTION";
     parts.header = "9 $LTSCALE|999 between|40 2.0";
-    parts.entities = "0 LINE|999 5|5 100|999 handle|330 1F|100 AcDbEntity|8 0|999 1|11 3.0|999 |0 XLINE|999 x|5 101|8 0|999 y";
+    parts.entities = "0 LINE|999 5|5 100|999 handle|330 1F|100 AcDbEntity|8 0|999 1|11 3.0|999 |0 XLINE|999 "
+                     "x|5 101|8 0|999 y";
     parts.objects = "0 XRECORD|5 102|330 C|100 AcDbXrecord|1 a|999 between|1 b";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(countIn(db), 2u);
@@ -124,8 +131,9 @@ TEST(ReaderStructure, PassesOverAByteOrderMark) {
 }
 
 TEST(ReaderStructure, TellsTheBinaryFormsByContent) {
-    const std::string r12 = "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 TEXT|5 A1|8 0|1 x|10 "
-                            "1.5|67 0|1001 APP|1000 y|1071 70000|0 ENDSEC|0 EOF";
+    const std::string r12 =
+        "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 TEXT|5 A1|8 0|1 x|10 "
+        "1.5|67 0|1001 APP|1000 y|1071 70000|0 ENDSEC|0 EOF";
     for (const std::string& notation : {r12, "999 first|" + r12}) {
         const auto db = readBytes(dxf::binaryShort(notation));
         EXPECT_EQ(byHandle<OdDbText>(*db.get(), "A1")->position().x, 1.5);
@@ -136,8 +144,9 @@ TEST(ReaderStructure, TellsTheBinaryFormsByContent) {
 }
 
 TEST(ReaderStructure, ReadsR12WithoutTablesBlocksOrHandles) {
-    const auto db = readGroups("0 SECTION|2 ENTITIES|0 LINE|8 WIRES|10 1.0|0 POLYLINE|8 WIRES|66 1|0 VERTEX|8 WIRES|10 2.0|0 "
-                               "SEQEND|8 WIRES|0 LINE|67 1|8 0|0 ENDSEC|0 EOF");
+    const auto db = readGroups(
+        "0 SECTION|2 ENTITIES|0 LINE|8 WIRES|10 1.0|0 POLYLINE|8 WIRES|66 1|0 VERTEX|8 WIRES|10 2.0|0 "
+        "SEQEND|8 WIRES|0 LINE|67 1|8 0|0 ENDSEC|0 EOF");
     EXPECT_EQ(countIn(*db.get()), 2u) << "vertices belong to their polyline";
     EXPECT_EQ(namesOf(db->getLayerTableId()), (Names{"0", "WIRES"}));
     expectUsable(*db.get());
@@ -145,7 +154,8 @@ TEST(ReaderStructure, ReadsR12WithoutTablesBlocksOrHandles) {
 
 TEST(ReaderStructure, KnowsTheLayoutBlocksOfR12) {
     const auto db = readGroups(
-        "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 $MODEL_SPACE|70 0|0 ENDBLK|0 "
+        "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 $MODEL_SPACE|70 "
+        "0|0 ENDBLK|0 "
         "BLOCK|8 0|2 $PAPER_SPACE|70 0|0 ENDBLK|0 BLOCK|8 0|2 SYM|70 0|10 3.0|0 LINE|8 0|0 ENDBLK|0 ENDSEC|"
         "0 SECTION|2 ENTITIES|0 INSERT|8 0|2 SYM|0 ENDSEC|0 EOF");
     EXPECT_EQ(namesOf(db->getBlockTableId()), (Names{"*MODEL_SPACE", "*PAPER_SPACE", "SYM"}));
@@ -176,19 +186,22 @@ TEST(ReaderStructure, KeepsRecordsOutOfTablesThatArentTheirs) {
         EXPECT_EQ(namesOf(db.getBlockTableId()), (Names{"*Model_Space", "*Paper_Space", "B"}));
         EXPECT_EQ(db.report().count(Defect::kStrayEntry), 3u) << reportOf(db);
         const auto reference = byHandle<OdDbBlockReference>(db, "65");
-        EXPECT_EQ(open<OdDbBlockTableRecord>(reference->blockTableRecord())->getBlockReferenceIds().size(), 1u);
+        EXPECT_EQ(open<OdDbBlockTableRecord>(reference->blockTableRecord())->getBlockReferenceIds().size(),
+                  1u);
         EXPECT_EQ(utf8(byHandle<OdDbObject>(db, "62")->dxfName()), "LAYER") << "kept, as what nobody reads";
     });
 }
 
 TEST(ReaderStructure, ReadsBlocksWithoutRecordsNamesOrEnds) {
     dxf::Parts parts;
-    parts.blocks = "0 BLOCK|5 50|8 0|2 LOOSE|10 1.0|20 2.0|30 0.0|0 LINE|5 51|8 0|0 BLOCK|5 52|8 0|0 LINE|5 53|8 0|0 ENDBLK|5 54|8 0";
+    parts.blocks = "0 BLOCK|5 50|8 0|2 LOOSE|10 1.0|20 2.0|30 0.0|0 LINE|5 51|8 0|0 BLOCK|5 52|8 0|0 LINE|5 "
+                   "53|8 0|0 ENDBLK|5 54|8 0";
     inBothForms(parts.groups(), [](OdDbDatabase& db) {
         EXPECT_EQ(namesOf(db.getBlockTableId()), (Names{"*Model_Space", "*Paper_Space", "LOOSE", "$52"}));
         EXPECT_EQ(db.report().count(Defect::kMissingEnd), 1u);
         EXPECT_EQ(db.report().count(Defect::kMissingName), 1u);
-        const auto loose = OdSmartPtr<OdDbBlockTableRecord>(blockTable(db)->getAt(od("LOOSE"), OdDb::kForRead));
+        const auto loose =
+            OdSmartPtr<OdDbBlockTableRecord>(blockTable(db)->getAt(od("LOOSE"), OdDb::kForRead));
         EXPECT_EQ(loose->origin(), OdGePoint3d(1, 2, 0));
         EXPECT_EQ(handlesOf(loose->newIterator()), Names{"51"});
     });

@@ -26,8 +26,9 @@ TEST(ResBufTest, ReadsNumbersOutOfTexts) {
         int integer;
         double real;
     };
-    const Row rows[] = {{"12", 12, 12},    {"-7", -7, -7},  {"  42 ", 42, 42}, {"12abc", 12, 12}, {"abc", 0, 0},
-                        {"", 0, 0},        {"3.75", 3, 3.75}, {"+4", 4, 4},    {"+-4", 0, 0},      {"Ω1", 0, 0}};
+    const Row rows[] = {{"12", 12, 12}, {"-7", -7, -7}, {"  42 ", 42, 42}, {"12abc", 12, 12},
+                        {"abc", 0, 0},  {"", 0, 0},     {"3.75", 3, 3.75}, {"+4", 4, 4},
+                        {"+-4", 0, 0},  {"Ω1", 0, 0}};
     for (const Row& row : rows) {
         const auto record = OdResBuf::newRb(1000, od(row.text));
         EXPECT_EQ(record->getInt32(), row.integer) << row.text;

@@ -174,7 +174,8 @@ TEST(OdErrorTest, TellsCodeAndText) {
 
 TEST(OdErrorTest, HasAnOwnTextForEachCode) {
     std::vector<std::string> texts;
-    for (int code = eOk; code <= eFilerError; ++code) texts.push_back(utf8(OdError(OdResult(code)).description()));
+    for (int code = eOk; code <= eFilerError; ++code)
+        texts.push_back(utf8(OdError(OdResult(code)).description()));
     std::sort(texts.begin(), texts.end());
     EXPECT_EQ(std::adjacent_find(texts.begin(), texts.end()), texts.end());
 }

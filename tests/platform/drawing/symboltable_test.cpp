@@ -54,7 +54,8 @@ TEST(SymbolTableTest, TakesAnErasedRecordBackOnlyWhenThatIsOpenForWrite) {
     const OdDbObjectId first = erased("L"), second = erased("L");
     const auto again = open<OdDbLayerTableRecord>(first, OdDb::kForRead, true);
     EXPECT_EQ(codeOf([&] { again->erase(false); }), eNotOpenForWrite);
-    EXPECT_EQ(table->getAt(od("L"), OdDb::kForRead, true)->objectId(), second) << "a refusal leaves the names alone";
+    EXPECT_EQ(table->getAt(od("L"), OdDb::kForRead, true)->objectId(), second)
+        << "a refusal leaves the names alone";
     again->upgradeOpen();
     EXPECT_EQ(again->erase(false), eOk);
     EXPECT_EQ(table->getAt(od("L")), first);
@@ -75,7 +76,10 @@ TEST(SymbolTableTest, RefusesEmptyAndTakenNames) {
     table->add(taken);
     EXPECT_EQ(codeOf([&] { table->add(taken); }), eDuplicateKey);
     taken->setName(od("2"));
-    EXPECT_EQ(codeOf([&] { newDatabase(); layerTable(*newDatabase().get(), OdDb::kForWrite)->add(taken); }),
+    EXPECT_EQ(codeOf([&] {
+                  newDatabase();
+                  layerTable(*newDatabase().get(), OdDb::kForWrite)->add(taken);
+              }),
               eAlreadyInDatabase);
     const auto lone = make<OdDbLayerTableRecord>();
     lone->setName(od("L"));
@@ -133,7 +137,8 @@ TEST(SymbolTableTest, RefusesUseOutsideADatabase) {
     EXPECT_EQ(codeOf([&] { table->add(layer); }), eNotInDatabase);
     EXPECT_EQ(codeOf([&] { table->newIterator(); }), eNotInDatabase);
     EXPECT_EQ(codeOf([&] { make<OdDbBlockTableRecord>()->newIterator(); }), eNotInDatabase);
-    EXPECT_EQ(codeOf([&] { make<OdDbBlockTableRecord>()->appendOdDbEntity(make<OdDbLine>()); }), eNotInDatabase);
+    EXPECT_EQ(codeOf([&] { make<OdDbBlockTableRecord>()->appendOdDbEntity(make<OdDbLine>()); }),
+              eNotInDatabase);
 }
 
 TEST(LayerTest, StartsVisibleAndChangesEachStateByItself) {
@@ -174,7 +179,9 @@ TEST(LayerTest, CountsASetterAsAChangeEvenWithTheSameValue) {
 
 TEST(LayerTest, RefusesToBeErasedWhereItIsNeeded) {
     const auto db = newDatabase();
-    const auto erase = [&](OdDbObjectId id) { return open<OdDbLayerTableRecord>(id, OdDb::kForWrite)->erase(); };
+    const auto erase = [&](OdDbObjectId id) {
+        return open<OdDbLayerTableRecord>(id, OdDb::kForWrite)->erase();
+    };
     EXPECT_EQ(erase(db->getLayerZeroId()), eCannotBeErased);
     const OdDbObjectId current = addLayer(*db.get(), "CURRENT");
     const auto record = OdResBuf::newRb(330);

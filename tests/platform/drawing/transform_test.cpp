@@ -17,7 +17,8 @@ void expectNear(const OdGePoint3d& p, double x, double y, double z) {
 
 /// Scale 2, a quarter turn, then a move by (10, 20, 30).
 OdGeMatrix3d sample() {
-    return OdGeMatrix3d::translation({10, 20, 30}) * OdGeMatrix3d::rotationZ(pi / 2) * OdGeMatrix3d::scaling({2, 2, 2});
+    return OdGeMatrix3d::translation({10, 20, 30}) * OdGeMatrix3d::rotationZ(pi / 2) *
+           OdGeMatrix3d::scaling({2, 2, 2});
 }
 
 const OdGeMatrix3d kMirror = OdGeMatrix3d::scaling({-1, 1, 1});
@@ -75,8 +76,9 @@ TEST(TransformTest, TurnsTheBulgesOfAMirroredPolyline) {
 }
 
 TEST(TransformTest, MovesBothPointsOfATextAndOfADefinition) {
-    for (const OdSmartPtr<OdDbText>& text : std::initializer_list<OdSmartPtr<OdDbText>>{make<OdDbText>(), OdSmartPtr<OdDbText>(make<OdDbAttributeDefinition>()),
-                                            OdSmartPtr<OdDbText>(make<OdDbAttribute>())}) {
+    for (const OdSmartPtr<OdDbText>& text : std::initializer_list<OdSmartPtr<OdDbText>>{
+             make<OdDbText>(), OdSmartPtr<OdDbText>(make<OdDbAttributeDefinition>()),
+             OdSmartPtr<OdDbText>(make<OdDbAttribute>())}) {
         text->setPosition({1, 0, 0});
         text->setAlignmentPoint({2, 0, 0});
         text->setHeight(2.5);
@@ -113,7 +115,8 @@ TEST(TransformTest, RefusesUnevenScalesWhereAClassCantTakeThem) {
     for (const OdSmartPtr<OdDbEntity>& entity : std::initializer_list<OdSmartPtr<OdDbEntity>>{
              wire, text, circle, reference, make<OdDbArc>(), make<OdDbEllipse>(), make<OdDbMText>()}) {
         EXPECT_EQ(entity->transformBy(kUneven), eNotApplicable) << entity->isA()->asciiName();
-        EXPECT_EQ(entity->transformBy(OdGeMatrix3d::scaling({0, 0, 0})), eNotApplicable) << entity->isA()->asciiName();
+        EXPECT_EQ(entity->transformBy(OdGeMatrix3d::scaling({0, 0, 0})), eNotApplicable)
+            << entity->isA()->asciiName();
     }
     EXPECT_EQ(wire->getPointAt(0), OdGePoint3d(1, 2, 0));
     EXPECT_EQ(text->position(), OdGePoint3d(1, 2, 0));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Opens everything that a drawing holds, so that every body, every chain and every attribute is read once. For the run
-// over real drawings and for the fuzzer.
+// Opens everything that a drawing holds, so that every body, every chain and every attribute is read once.
+// For the run over real drawings and for the fuzzer.
 #pragma once
 
 #include "model/databasedata.h"
@@ -52,8 +52,8 @@ inline void visitObject(const OdSmartPtr<OdDbObject>& object) {
 /// Opens every object of a database; gives their number.
 inline std::size_t visitAll(OdDbDatabase& db) {
     std::size_t objects = 0;
-    db.data().stubs.forEach([&](lm::drawing::Stub& stub) {
-        const OdSmartPtr<OdDbObject> object = OdDbObjectId(&stub).openObject(OdDb::kForRead, true);
+    db.data().nodes.forEach([&](lm::drawing::Node& node) {
+        const OdSmartPtr<OdDbObject> object = OdDbObjectId(&node).openObject(OdDb::kForRead, true);
         if (object.isNull()) return;
         visitObject(object);
         ++objects;

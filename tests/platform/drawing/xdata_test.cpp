@@ -6,7 +6,9 @@ using namespace drawing_test;
 
 namespace {
 
-std::vector<std::string> applications(const OdDbDatabase& db) { return namesOf(db.getRegAppTableId()); }
+std::vector<std::string> applications(const OdDbDatabase& db) {
+    return namesOf(db.getRegAppTableId());
+}
 
 } // namespace
 
@@ -50,7 +52,8 @@ TEST(XDataTest, TakesSeveralIdsInOneChain) {
     EXPECT_EQ(textOf(line->xData(od("B"))), "1001 B|1000 b");
     EXPECT_EQ(textOf(line->xData(od("A2"))), "1001 A2|1071 3");
     line->setXData(chainOf("1001 A|1001 B|1000 c"));
-    EXPECT_EQ(textOf(line->xData()), "1001 B|1000 c|1001 A2|1071 3") << "a lone head deletes, in the middle too";
+    EXPECT_EQ(textOf(line->xData()), "1001 B|1000 c|1001 A2|1071 3")
+        << "a lone head deletes, in the middle too";
 }
 
 TEST(XDataTest, DeletesByALoneHead) {
@@ -63,7 +66,8 @@ TEST(XDataTest, DeletesByALoneHead) {
     EXPECT_EQ(textOf(line->xData()), "1001 B|1000 b");
     line->setXData(chainOf("1001 NEVER"));
     EXPECT_EQ(textOf(line->xData()), "1001 B|1000 b");
-    EXPECT_EQ(applications(*db.get()), (std::vector<std::string>{"A", "B"})) << "a deletion registers nothing";
+    EXPECT_EQ(applications(*db.get()), (std::vector<std::string>{"A", "B"}))
+        << "a deletion registers nothing";
 }
 
 TEST(XDataTest, StoresALoneHeadOnlyRaw) {

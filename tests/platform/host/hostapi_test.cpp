@@ -243,8 +243,7 @@ TEST(EntityName, ResolvesInTheDatabaseThatItNames) {
 TEST(EntityName, ResolvesToAnErasedObject) {
     CHostAPI api;
     CHostDatabase database;
-    OdSmartPtr<OdDbDictionary> dictionary(
-        database.getNamedObjectsDictionaryId().openObject(OdDb::kForWrite));
+    OdSmartPtr<OdDbDictionary> dictionary(database.getNamedObjectsDictionaryId().openObject(OdDb::kForWrite));
     const OdSmartPtr<OdDbXrecord> record(new OdDbXrecord, lm::drawing::kAttach);
     const OdDbObjectId erased = dictionary->setAt(OdString("ENTRY"), record);
     unsigned long long name[2] = {};

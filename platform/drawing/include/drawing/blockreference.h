@@ -21,8 +21,10 @@ public:
     void setScaleFactors(const OdGeScale3d& scale);
     OdGeVector3d normal() const { return m_normal; }
     void setNormal(const OdGeVector3d& normal);
-    /// The block's record; null is accepted and gives a reference to nothing.
+    /// The block's record; null for a reference to nothing.
     OdDbObjectId blockTableRecord() const { return m_block; }
+    /// Null is accepted. What is no block raises OdError_NotThatKindOfClass; on a resident reference a block of another
+    /// drawing raises OdError (eInvalidInput). Nothing has changed then.
     void setBlockTableRecord(OdDbObjectId id);
     /// Place, turn, scale and shift by minus the block's origin, in this order from the left.
     OdGeMatrix3d blockTransform() const;

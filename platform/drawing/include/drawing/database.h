@@ -13,6 +13,11 @@
 namespace lm::drawing {
 struct DatabaseData;
 class Report;
+/// The objects of a drawing by handle, as far as handles follow one another.
+struct DenseHandles {
+    Node* const* nodes = nullptr;
+    unsigned long long count = 0;
+};
 } // namespace lm::drawing
 
 /// A drawing. A database belongs to one thread. Its objects end with it; a smart pointer that outlives it
@@ -48,7 +53,13 @@ public:
     /// The id of a handle: null for 0 and for an unknown handle. An erased object's handle still gives its
     /// id. Nothing is created; `createIfNotFound` and `xref` are accepted and not used.
     OdDbObjectId getOdDbObjectId(const OdDbHandle& handle, bool createIfNotFound = false,
-                                 unsigned int xref = 0) const;
+                                 unsigned int xref = 0) const {
+        static_cast<void>(createIfNotFound);
+        static_cast<void>(xref);
+        // Nearly all handles stand in one array; 0 has no object there.
+        if (handle.value() < m_handles.count) return OdDbObjectId(m_handles.nodes[handle.value()]);
+        return findFarHandle(handle);
+    }
     /// Adds an object that is no entity and no table record under an owner; gives its id.
     OdDbObjectId addOdDbObject(OdSmartPtr<OdDbObject> object, OdDbObjectId owner);
 
@@ -96,6 +107,10 @@ public:
     lm::drawing::DatabaseData& data() const { return *m_data; }
 
 private:
+    friend struct lm::drawing::DatabaseData;
+    OdDbObjectId findFarHandle(const OdDbHandle& handle) const;
+
+    lm::drawing::DenseHandles m_handles; // kept up to date by the index in the data
     std::unique_ptr<lm::drawing::DatabaseData> m_data;
     long m_refs = 1;
     bool m_countManaged = true;

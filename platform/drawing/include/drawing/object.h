@@ -14,7 +14,7 @@ namespace lm::drawing {
 struct ClassSpecs;
 struct ObjectAccess;
 struct DatabaseData;
-Stub* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Stub* owner, bool asPart);
+Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart);
 } // namespace lm::drawing
 
 /// The root of all objects that can stand in a database.
@@ -28,15 +28,15 @@ public:
     ~OdDbObject() override;
 
     /// The identity; null before the object is in a database.
-    OdDbObjectId objectId() const { return OdDbObjectId(m_stub); }
+    OdDbObjectId objectId() const { return OdDbObjectId(m_node); }
     OdDbHandle getDbHandle() const { return objectId().getHandle(); }
     OdDbObjectId ownerId() const;
     OdDbDatabase* database() const { return objectId().database(); }
     /// Whether the object stands in a database.
-    bool isDBRO() const { return m_stub != nullptr; }
+    bool isDBRO() const { return m_node != nullptr; }
 
     /// Whether changes are allowed now. An object outside a database is always writable.
-    bool isWriteEnabled() const { return m_stub == nullptr || (m_flags & kWriteEnabled) != 0; }
+    bool isWriteEnabled() const { return m_node == nullptr || (m_flags & kWriteEnabled) != 0; }
     /// Makes an object that is open for reading writable; does nothing on one that is.
     void upgradeOpen();
     /// Ends the write-enabled state while the object stays open.
@@ -86,7 +86,7 @@ protected:
     virtual void subBecomeResident() {}
     /// Called before setters change a field: the check of assertWriteEnabled(true, true).
     void beginChange() {
-        if (m_stub != nullptr) assertWriteEnabled();
+        if (m_node != nullptr) assertWriteEnabled();
     }
 
 private:
@@ -94,8 +94,8 @@ private:
     friend struct lm::drawing::ClassSpecs;
     friend struct lm::drawing::ObjectAccess;
     friend class OdDbObjectId;
-    friend lm::drawing::Stub* lm::drawing::makeResident(lm::drawing::DatabaseData& data, OdDbObject& object,
-                                                        std::uint16_t kind, lm::drawing::Stub* owner,
+    friend lm::drawing::Node* lm::drawing::makeResident(lm::drawing::DatabaseData& data, OdDbObject& object,
+                                                        std::uint16_t kind, lm::drawing::Node* owner,
                                                         bool asPart);
 
     enum Flag : unsigned short {
@@ -114,7 +114,7 @@ private:
     std::vector<XData>& changeableXData();
     void storeXData(OdSmartPtr<OdResBuf> chain, bool keepLone);
 
-    lm::drawing::Stub* m_stub = nullptr;
+    lm::drawing::Node* m_node = nullptr;
     unsigned int m_refs = 1;
     mutable unsigned short m_flags = 0;
     mutable std::unique_ptr<std::vector<XData>> m_xdata; // valid when kXDataRead is set or outside a database

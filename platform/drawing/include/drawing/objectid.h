@@ -9,7 +9,7 @@ class OdDbObject;
 class OdDbDatabase;
 
 namespace lm::drawing {
-struct Stub;
+struct Node;
 }
 
 namespace OdDb {
@@ -24,9 +24,9 @@ public:
 
     OdDbObjectId() = default;
     /// The id of a database entry; null gives the null id. For the drawing layer itself.
-    explicit OdDbObjectId(lm::drawing::Stub* stub) : m_stub(stub) {}
+    explicit OdDbObjectId(lm::drawing::Node* node) : m_node(node) {}
 
-    bool isNull() const noexcept { return m_stub == nullptr; }
+    bool isNull() const noexcept { return m_node == nullptr; }
     /// True for every id whose object its database holds, an erased one too; false for null and for an id
     /// whose database is gone.
     bool isValid() const noexcept;
@@ -40,11 +40,11 @@ public:
     /// `openErased`, erased object. Opening never conflicts with other openings.
     OdSmartPtr<OdDbObject> openObject(OdDb::OpenMode mode = OdDb::kForRead, bool openErased = false) const;
 
-    lm::drawing::Stub* stub() const noexcept { return m_stub; }
-    friend bool operator==(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_stub == b.m_stub; }
-    friend bool operator!=(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_stub != b.m_stub; }
-    friend bool operator<(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_stub < b.m_stub; }
+    lm::drawing::Node* node() const noexcept { return m_node; }
+    friend bool operator==(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_node == b.m_node; }
+    friend bool operator!=(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_node != b.m_node; }
+    friend bool operator<(OdDbObjectId a, OdDbObjectId b) noexcept { return a.m_node < b.m_node; }
 
 private:
-    lm::drawing::Stub* m_stub = nullptr;
+    lm::drawing::Node* m_node = nullptr;
 };

@@ -24,7 +24,7 @@ public:
     bool isReference() const noexcept;
     bool isAttribute() const noexcept;
     /// The walk over what hangs on the current part.
-    PartWalk parts() const noexcept { return PartWalk(id()); }
+    PartWalk parts() const noexcept;
     /// The current part, read at the first time; never null before the end.
     const OdDbEntity* entity() const;
     /// The current part as a reference or as an attribute; null for another kind.
@@ -32,8 +32,13 @@ public:
     const OdDbAttribute* attribute() const;
 
 private:
+    PartWalk() = default;
     void skip() noexcept;
-    Stub* m_at;
+    void lookAhead() noexcept;
+    Node* m_at = nullptr;
+    // Run in front of the walk over a block and ask the memory for what comes: nodes first, then tags.
+    Node* m_nodes = nullptr;
+    Node* m_tags = nullptr;
 };
 
 } // namespace lm::drawing

@@ -12,7 +12,7 @@ class OdDbSymbolTableRecord;
 class LM_DRAWING_API OdDbSymbolTableIterator : public OdRxObject {
     LM_RX_CLASS(OdDbSymbolTableIterator)
 public:
-    explicit OdDbSymbolTableIterator(lm::drawing::Stub* table);
+    explicit OdDbSymbolTableIterator(lm::drawing::Node* table);
     void start(bool atBeginning = true, bool skipErased = true);
     bool done() const { return m_at == nullptr; }
     void step(bool forward = true, bool skipErased = true);
@@ -28,8 +28,8 @@ public:
 
 private:
     void skip(bool erased);
-    lm::drawing::Stub* m_table;
-    lm::drawing::Stub* m_at = nullptr;
+    lm::drawing::Node* m_table;
+    lm::drawing::Node* m_at = nullptr;
     long m_refs = 1;
 };
 
@@ -215,5 +215,5 @@ private:
     friend struct lm::drawing::ObjectAccess;
     friend class OdDbBlockReference;
     OdGePoint3d m_origin;
-    std::vector<lm::drawing::Stub*> m_references;
+    std::vector<lm::drawing::Node*> m_references;
 };

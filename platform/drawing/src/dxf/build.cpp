@@ -88,56 +88,56 @@ private:
     void indexHandles() {
         HandleIndex& handles = m_data.handles;
         handles.expect(m_scanned.handled, m_scanned.highestHandle);
-        std::vector<Stub*> doubled;
-        m_data.stubs.forEach([&](Stub& stub) {
-            if (stub.handle == 0) return;
-            if (handles.find(stub.handle) != nullptr)
-                doubled.push_back(&stub);
+        std::vector<Node*> doubled;
+        m_data.nodes.forEach([&](Node& node) {
+            if (node.handle == 0) return;
+            if (handles.find(node.handle) != nullptr)
+                doubled.push_back(&node);
             else
-                handles.insert(stub.handle, &stub);
+                handles.insert(node.handle, &node);
         });
         bool bad = false;
         const std::uint64_t seed = parseHandle(headerText("HANDSEED"), bad);
         const std::uint64_t behind =
             m_scanned.highestHandle == ~std::uint64_t{0} ? 1 : m_scanned.highestHandle + 1;
         m_data.nextHandle = std::max(seed, behind);
-        for (Stub* stub : doubled) {
-            const std::uint64_t old = stub->handle;
-            giveHandle(*stub);
-            report(Defect::kDoubledHandle, *stub, hex(old) + " became " + hex(stub->handle));
+        for (Node* node : doubled) {
+            const std::uint64_t old = node->handle;
+            giveHandle(*node);
+            report(Defect::kDoubledHandle, *node, hex(old) + " became " + hex(node->handle));
         }
         // Older files needn't have handles at all, so one that is missing there is no defect.
         const bool expected = m_data.version >= kFirstHandleVersion;
         for (const HandleFault& fault : m_scanned.handleFaults) {
-            giveHandle(*fault.stub);
+            giveHandle(*fault.node);
             if (expected || fault.defect == Defect::kBadHandle)
-                report(fault.defect, *fault.stub,
+                report(fault.defect, *fault.node,
                        (fault.found.empty() ? "" : "\"" + fault.found + "\" ") +
-                           ("became " + hex(fault.stub->handle)));
+                           ("became " + hex(fault.node->handle)));
         }
     }
 
-    void giveHandle(Stub& stub) {
-        stub.handle = m_data.freeHandle();
-        stub.flags |= Stub::kDirty;
-        m_data.handles.insert(stub.handle, &stub);
+    void giveHandle(Node& node) {
+        node.handle = m_data.freeHandle();
+        node.flags |= Node::kDirty;
+        m_data.handles.insert(node.handle, &node);
     }
 
     static std::string hex(std::uint64_t value) { return utf8(OdDbHandle(value).ascii()); }
 
-    void report(Defect defect, const Stub& stub, std::string detail) {
+    void report(Defect defect, const Node& node, std::string detail) {
         // Lines are counted from the start for each report, so only those that are kept are given one.
         const bool kept = m_data.report.count(defect) < Report::kKept;
         const std::uint64_t place =
-            kept && stub.length != 0 ? m_source.placeOf(m_source.begin() + stub.offset) : 0;
+            kept && node.length != 0 ? m_source.placeOf(m_source.begin() + node.offset) : 0;
         m_data.report.add(
-            {defect, stub.handle, place, std::string(m_data.kinds.name(stub.kind)) + ": " + detail});
+            {defect, node.handle, place, std::string(m_data.kinds.name(node.kind)) + ": " + detail});
     }
 
     // --- tables
     // -------------------------------------------------------------------------------------------------
 
-    Stub** slotOf(std::string_view name) {
+    Node** slotOf(std::string_view name) {
         FixedEntries& f = m_data.fixed;
         if (name == "LAYER") return &f.layerTable;
         if (name == "LTYPE") return &f.linetypeTable;
@@ -156,10 +156,10 @@ private:
                              return (a.name == "LTYPE") > (b.name == "LTYPE");
                          });
         for (const ScannedTable& scanned : m_scanned.tables) {
-            Stub* table = scanned.head;
+            Node* table = scanned.head;
             dropStrangers(*table, scanned.name);
-            Stub* const first = table->firstPart;
-            Stub** const slot = slotOf(scanned.name);
+            Node* const first = table->firstPart;
+            Node** const slot = slotOf(scanned.name);
             if (slot != nullptr && *slot != nullptr) {
                 m_data.strays.push_back(scanned.head);
                 report(Defect::kStrayEntry, *scanned.head, "a second table " + std::string(scanned.name));
@@ -183,55 +183,55 @@ private:
     }
 
     /// Takes records of other kinds out of a table: whoever finds a record by name counts on its class.
-    void dropStrangers(Stub& table, std::string_view name) {
+    void dropStrangers(Node& table, std::string_view name) {
         const Kind wanted = recordKindOf(name);
         if (wanted == kKindNone) return;
-        Stub* part = table.firstPart;
+        Node* part = table.firstPart;
         table.firstPart = table.lastPart = nullptr;
-        for (Stub* next = nullptr; part != nullptr; part = next) {
+        for (Node* next = nullptr; part != nullptr; part = next) {
             next = part->next;
             if (part->kind == wanted) {
                 table.appendPart(part);
                 continue;
             }
             part->owner = part->next = nullptr;
-            part->flags &= static_cast<std::uint8_t>(~Stub::kTableRecord);
+            part->flags &= static_cast<std::uint8_t>(~Node::kTableRecord);
             m_data.strays.push_back(part);
             report(Defect::kStrayEntry, *part, "in the table " + std::string(name));
         }
     }
 
-    static void moveParts(Stub& from, Stub& to) {
-        for (Stub *part = from.firstPart, *next = nullptr; part != nullptr; part = next) {
+    static void moveParts(Node& from, Node& to) {
+        for (Node *part = from.firstPart, *next = nullptr; part != nullptr; part = next) {
             next = part->next;
             to.appendPart(part);
         }
         from.firstPart = from.lastPart = nullptr;
     }
 
-    OdDbSymbolTable& tableBody(Stub& table) {
+    OdDbSymbolTable& tableBody(Node& table) {
         if (table.body == nullptr) {
             auto* body = new OdDbSymbolTable();
             table.body = body;
-            ObjectAccess::setStub(*body, &table);
+            ObjectAccess::setNode(*body, &table);
             ObjectAccess::setRefs(*body, 0);
         }
         return *static_cast<OdDbSymbolTable*>(table.body);
     }
 
     /// Enters the names of a table's records from `first` on.
-    void enterRecords(Stub& table, Stub* first) {
+    void enterRecords(Node& table, Node* first) {
         OdDbSymbolTable& body = tableBody(table);
-        for (Stub* record = first; record != nullptr; record = record->next) enterRecord(body, *record);
+        for (Node* record = first; record != nullptr; record = record->next) enterRecord(body, *record);
     }
 
-    void enterRecord(OdDbSymbolTable& table, Stub& record) {
+    void enterRecord(OdDbSymbolTable& table, Node& record) {
         auto* body = static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(&record));
         if (body->getName().isEmpty()) {
             // Shape files are text styles without a name.
             if (record.kind == kKindStyle) return;
             ObjectAccess::setName(*body, odText("$" + hex(record.handle)));
-            record.flags |= Stub::kDirty;
+            record.flags |= Node::kDirty;
             report(Defect::kMissingName, record, "named " + utf8(body->getName()));
         }
         if (ObjectAccess::findName(table, body->getName()) != nullptr) {
@@ -259,35 +259,35 @@ private:
         return name;
     }
 
-    Stub* findRecord(const ScannedBlock& block, const OdString& name) {
-        Stub* const table = m_data.fixed.blockTable;
+    Node* findRecord(const ScannedBlock& block, const OdString& name) {
+        Node* const table = m_data.fixed.blockTable;
         if (block.named) {
-            if (Stub* const exact = m_data.tableRecord(table, name)) return exact;
-            for (Stub* record = table->firstPart; isLayoutName(name.view()) && record != nullptr;
+            if (Node* const exact = m_data.tableRecord(table, name)) return exact;
+            for (Node* record = table->firstPart; isLayoutName(name.view()) && record != nullptr;
                  record = record->next) {
                 auto* body = static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(record));
                 if (system::equalsNoCase(body->getName().view(), name.view())) return record;
             }
         }
-        Stub* const owner = block.owner != 0 ? m_data.handles.find(block.owner) : nullptr;
-        return owner != nullptr && owner->kind == kKindBlockRecord && owner->has(Stub::kTableRecord)
+        Node* const owner = block.owner != 0 ? m_data.handles.find(block.owner) : nullptr;
+        return owner != nullptr && owner->kind == kKindBlockRecord && owner->has(Node::kTableRecord)
                    ? owner
                    : nullptr;
     }
 
-    Stub* makeRecord(const ScannedBlock& block, const OdString& name) {
+    Node* makeRecord(const ScannedBlock& block, const OdString& name) {
         auto* record = new OdDbBlockTableRecord();
         ObjectAccess::setName(*record, name);
-        Stub* const stub = m_data.adopt(record, kKindBlockRecord);
+        Node* const node = m_data.adopt(record, kKindBlockRecord);
         ObjectAccess::setRefs(*record, 0);
-        stub->flags |= Stub::kTableRecord;
-        m_data.fixed.blockTable->appendPart(stub);
+        node->flags |= Node::kTableRecord;
+        m_data.fixed.blockTable->appendPart(node);
         OdDbSymbolTable& table = tableBody(*m_data.fixed.blockTable);
         if (ObjectAccess::findName(table, name) == nullptr)
-            ObjectAccess::enterName(table, name, stub);
+            ObjectAccess::enterName(table, name, node);
         else
             report(Defect::kDoubledName, *block.begin, "\"" + utf8(name) + "\", the first one is found");
-        return stub;
+        return node;
     }
 
     void makeRecordsOfBlocks() {
@@ -299,7 +299,7 @@ private:
             const OdString name = blockName(block);
             if (!block.named || stripped(block.name).empty())
                 report(Defect::kMissingName, *block.begin, "named " + utf8(name));
-            Stub* record = findRecord(block, name);
+            Node* record = findRecord(block, name);
             if (record == nullptr || record->firstPart != nullptr || hasFrame(record))
                 record = makeRecord(block, name);
             m_data.frames.push_back({record, block.begin, block.end});
@@ -312,12 +312,12 @@ private:
         findLayoutBlocks();
     }
 
-    bool hasFrame(Stub* record) const { return m_framed.count(record) != 0; }
+    bool hasFrame(Node* record) const { return m_framed.count(record) != 0; }
 
     void findLayoutBlocks() {
         const WideString model = system::widen("*Model_Space");
         const WideString paper = system::widen("*Paper_Space");
-        for (Stub* record = m_data.fixed.blockTable->firstPart; record != nullptr; record = record->next) {
+        for (Node* record = m_data.fixed.blockTable->firstPart; record != nullptr; record = record->next) {
             const OdString name = static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(record))->getName();
             if (m_data.fixed.modelSpace == nullptr && system::equalsNoCase(name.view(), model))
                 m_data.fixed.modelSpace = record;
@@ -329,11 +329,11 @@ private:
     // --- entities
     // -----------------------------------------------------------------------------------------------
 
-    Stub* placeFor(const Stub& entity, std::uint64_t owner) {
-        Stub* const named = owner != 0 ? m_data.handles.find(owner) : nullptr;
-        if (named != nullptr && named->kind == kKindBlockRecord && named->has(Stub::kTableRecord))
+    Node* placeFor(const Node& entity, std::uint64_t owner) {
+        Node* const named = owner != 0 ? m_data.handles.find(owner) : nullptr;
+        if (named != nullptr && named->kind == kKindBlockRecord && named->has(Node::kTableRecord))
             return named;
-        Stub* const place = entity.has(Stub::kPaper) ? m_data.fixed.paperSpace : m_data.fixed.modelSpace;
+        Node* const place = entity.has(Node::kPaper) ? m_data.fixed.paperSpace : m_data.fixed.modelSpace;
         if (owner != 0 && m_data.version >= kFirstHandleVersion)
             report(Defect::kUnknownOwner, entity, hex(owner) + " is no block");
         return place;
@@ -342,7 +342,7 @@ private:
     void placeEntities() {
         std::size_t run = 0;
         std::uint64_t owner = 0;
-        for (Stub *entity = m_scanned.entities.firstPart, *next = nullptr; entity != nullptr; entity = next) {
+        for (Node *entity = m_scanned.entities.firstPart, *next = nullptr; entity != nullptr; entity = next) {
             next = entity->next;
             if (run < m_scanned.entityOwners.size() && m_scanned.entityOwners[run].first == entity)
                 owner = m_scanned.entityOwners[run++].owner;
@@ -354,13 +354,13 @@ private:
         for (const UsedLayer& used : m_scanned.layers) {
             if (m_data.resolver->find(Names::kLayers, used.name) != nullptr) continue;
             const OdString name = decode(used.name);
-            Stub* layer = stripped(used.name).empty() ? m_data.fixed.layerZero : nullptr;
+            Node* layer = stripped(used.name).empty() ? m_data.fixed.layerZero : nullptr;
             if (layer == nullptr) {
                 auto* record = new OdDbLayerTableRecord();
                 ObjectAccess::setName(*record, name);
                 layer = m_data.adopt(record, kKindLayer);
                 ObjectAccess::setRefs(*record, 0);
-                layer->flags |= Stub::kTableRecord;
+                layer->flags |= Node::kTableRecord;
                 m_data.fixed.layerTable->appendPart(layer);
                 ObjectAccess::enterName(tableBody(*m_data.fixed.layerTable), name, layer);
                 report(Defect::kUnlistedLayer, *used.first, "layer \"" + utf8(name) + "\" was made");
@@ -371,7 +371,7 @@ private:
 
     void linkReferences() {
         for (const ScannedInsert& reference : m_scanned.inserts) {
-            Stub* const block = m_data.resolver->find(Names::kBlocks, reference.name);
+            Node* const block = m_data.resolver->find(Names::kBlocks, reference.name);
             if (block == nullptr) {
                 report(Defect::kUnknownBlock, *reference.insert,
                        "block \"" + utf8(decode(reference.name)) + "\"");
@@ -387,7 +387,7 @@ private:
 
     void placeObjects() {
         for (std::size_t i = 0; i < m_scanned.objects.size(); ++i) {
-            Stub* const object = m_scanned.objects[i];
+            Node* const object = m_scanned.objects[i];
             const std::uint64_t owner = m_scanned.objectOwners[i];
             object->owner = owner != 0 ? m_data.handles.find(owner) : nullptr;
             if (object->owner == object) object->owner = nullptr;
@@ -403,9 +403,9 @@ private:
     /// Owners that lead in a circle would never end a walk upwards.
     void breakOwnerLoops() {
         constexpr int kDeepest = 1000;
-        for (Stub* object : m_scanned.objects) {
+        for (Node* object : m_scanned.objects) {
             int depth = 0;
-            for (const Stub* at = object->owner; at != nullptr && depth <= kDeepest; at = at->owner) ++depth;
+            for (const Node* at = object->owner; at != nullptr && depth <= kDeepest; at = at->owner) ++depth;
             if (depth <= kDeepest) continue;
             report(Defect::kUnknownOwner, *object, "owners in a circle");
             object->owner = nullptr;
@@ -415,8 +415,8 @@ private:
     void readHeader() {
         const OdSmartPtr<OdResBuf> current = readHeaderVariable(m_data, "CLAYER");
         if (!current.isNull()) {
-            Stub* layer = m_data.tableRecord(m_data.fixed.layerTable, current->getString());
-            for (Stub* at = m_data.fixed.layerTable->firstPart; layer == nullptr && at != nullptr;
+            Node* layer = m_data.tableRecord(m_data.fixed.layerTable, current->getString());
+            for (Node* at = m_data.fixed.layerTable->firstPart; layer == nullptr && at != nullptr;
                  at = at->next) {
                 const auto* body = static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(at));
                 if (system::equalsNoCase(body->getName().view(), current->getString().view())) layer = at;
@@ -431,8 +431,8 @@ private:
     const ReadOptions& m_options;
     ScanResult& m_scanned;
     const Source& m_source;
-    std::unordered_set<Stub*> m_framed;
-    Stub* m_fileDictionary = nullptr;
+    std::unordered_set<Node*> m_framed;
+    Node* m_fileDictionary = nullptr;
 };
 
 } // namespace

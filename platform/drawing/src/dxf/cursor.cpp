@@ -129,7 +129,7 @@ double Values::real(const Group& group, bool& bad) const noexcept {
             parsed = std::from_chars(copy.data(), copy.data() + copy.size(), value);
             parsed.ptr = parsed.ptr == copy.data() + copy.size() ? end : at;
         }
-        if (parsed.ec == std::errc::result_out_of_range) parsed.ec = std::errc(), value = 0;
+        if (parsed.ec == std::errc::result_out_of_range) parsed.ec = std::errc(), value = 0, bad = true;
         if (parsed.ec != std::errc() ||
             !stripped({parsed.ptr, static_cast<std::size_t>(end - parsed.ptr)}).empty())
             bad = true;

@@ -7,21 +7,21 @@
 namespace lm::drawing {
 
 template<class Cursor, class F>
-void walkGroups(const Source& source, const Stub& stub, F&& visit) {
-    const char* const begin = source.begin() + stub.offset;
-    Cursor cursor(source, begin, begin + stub.length);
+void walkGroups(const Source& source, const Node& node, F&& visit) {
+    const char* const begin = source.begin() + node.offset;
+    Cursor cursor(source, begin, begin + node.length);
     Group group;
     while (cursor.next(group) == Step::kGroup)
         if (!visit(group)) return;
 }
 
 template<class F>
-void forEachGroup(const Source& source, const Stub& stub, F&& visit) {
-    if (stub.length == 0) return;
+void forEachGroup(const Source& source, const Node& node, F&& visit) {
+    if (node.length == 0) return;
     if (source.binary)
-        walkGroups<BinaryCursor>(source, stub, visit);
+        walkGroups<BinaryCursor>(source, node, visit);
     else
-        walkGroups<TextCursor>(source, stub, visit);
+        walkGroups<TextCursor>(source, node, visit);
 }
 
 } // namespace lm::drawing

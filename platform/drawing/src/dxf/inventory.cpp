@@ -11,13 +11,13 @@ namespace {
 
 constexpr int kApplication = 1001;
 
-bool isRead(const Stub& stub) {
-    if (stub.kind == kKindTable || stub.kind == kKindBlock || stub.kind == kKindEndblk ||
-        stub.kind == kKindSeqend)
+bool isRead(const Node& node) {
+    if (node.kind == kKindTable || node.kind == kKindBlock || node.kind == kKindEndblk ||
+        node.kind == kKindSeqend)
         return true;
     const OdRxClass* unread[] = {OdDbUnreadEntity::desc(), OdDbUnreadObject::desc(),
                                  OdDbUnreadTableRecord::desc()};
-    const OdSmartPtr<OdDbObject> probe(specOf(stub).make(), kAttach);
+    const OdSmartPtr<OdDbObject> probe(specOf(node).make(), kAttach);
     for (const OdRxClass* cls : unread)
         if (probe->isA() == cls) return false;
     return true;
@@ -26,22 +26,22 @@ bool isRead(const Stub& stub) {
 /// Answers isRead for each kind and place once.
 class ReadKinds {
 public:
-    bool operator()(const Stub& stub) {
+    bool operator()(const Node& node) {
         const std::uint32_t key =
-            static_cast<std::uint32_t>(stub.kind) << 8 | (stub.flags & (Stub::kEntity | Stub::kTableRecord));
+            static_cast<std::uint32_t>(node.kind) << 8 | (node.flags & (Node::kEntity | Node::kTableRecord));
         const auto known = m_known.find(key);
         if (known != m_known.end()) return known->second;
-        return m_known[key] = isRead(stub);
+        return m_known[key] = isRead(node);
     }
 
 private:
     std::map<std::uint32_t, bool> m_known;
 };
 
-std::vector<OdString> applicationsOf(const DatabaseData& data, const Stub& stub) {
+std::vector<OdString> applicationsOf(const DatabaseData& data, const Node& node) {
     std::vector<OdString> names;
     const Values values(*data.source);
-    forEachGroup(*data.source, stub, [&](const Group& group) {
+    forEachGroup(*data.source, node, [&](const Group& group) {
         bool bad = false;
         if (group.code == kApplication) names.push_back(values.sharedText(group, bad));
         return true;
@@ -75,19 +75,19 @@ Inventory takeInventory(const OdDbDatabase& database) {
     std::map<std::string, std::size_t> kept;
     std::map<std::uint16_t, std::size_t> unread;
     ReadKinds isReadKind;
-    data.stubs.forEach([&](Stub& stub) {
-        if (!stub.isLive() || stub.kind == kKindNone) return;
-        if (!isReadKind(stub)) ++unread[stub.kind];
+    data.nodes.forEach([&](Node& node) {
+        if (!node.isLive() || node.kind == kKindNone) return;
+        if (!isReadKind(node)) ++unread[node.kind];
         // An object that wasn't read yet is asked in its groups; reading it would only take memory.
-        const bool fromFile = data.source != nullptr && stub.body == nullptr;
+        const bool fromFile = data.source != nullptr && node.body == nullptr;
         std::vector<OdString> names;
         if (fromFile)
-            names = applicationsOf(data, stub);
-        else if (stub.body != nullptr)
-            names = applicationsOf(*stub.body);
+            names = applicationsOf(data, node);
+        else if (node.body != nullptr)
+            names = applicationsOf(*node.body);
         if (!names.empty())
             result.xdata.push_back(
-                {OdDbObjectId(&stub), std::string(data.kinds.name(stub.kind)), std::move(names)});
+                {OdDbObjectId(&node), std::string(data.kinds.name(node.kind)), std::move(names)});
     });
     for (const auto& [kind, count] : unread) kept[std::string(data.kinds.name(kind))] += count;
     for (const Section& section : data.sections)
@@ -95,8 +95,8 @@ Inventory takeInventory(const OdDbDatabase& database) {
     result.kept = flat(kept);
 
     std::map<std::string, std::size_t> entities;
-    if (const Stub* const space = data.fixed.modelSpace)
-        for (const Stub* part = space->firstPart; part != nullptr; part = part->next)
+    if (const Node* const space = data.fixed.modelSpace)
+        for (const Node* part = space->firstPart; part != nullptr; part = part->next)
             if (!part->isErased() && part->kind != kKindSeqend)
                 ++entities[std::string(data.kinds.name(part->kind))];
     result.modelSpace = flat(entities);

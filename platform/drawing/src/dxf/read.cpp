@@ -49,18 +49,18 @@ void reportBad(ReadContext& context, const Group& group) {
         return report.count(defect) < Report::kKept ? source.placeOf(group.data) : 0;
     };
     if (context.bad)
-        report.add({Defect::kBadNumber, context.stub.handle, place(Defect::kBadNumber),
+        report.add({Defect::kBadNumber, context.node.handle, place(Defect::kBadNumber),
                     "group " + std::to_string(group.code) + ", found \"" +
                         (source.binary ? std::string("?") : std::string(group.raw().substr(0, 60))) +
                         "\", taken as 0"});
     if (context.badText)
-        report.add({Defect::kBadText, context.stub.handle, place(Defect::kBadText),
+        report.add({Defect::kBadText, context.node.handle, place(Defect::kBadText),
                     "group " + std::to_string(group.code)});
     context.bad = context.badText = false;
 }
 
 /// Tells whether the entry had an embedded object; its fields go into `embedded` unless that is null.
-bool readFields(OdDbObject& object, const ClassSpec& spec, const Source& source, const Stub& place,
+bool readFields(OdDbObject& object, const ClassSpec& spec, const Source& source, const Node& place,
                 ReadContext& context, OdDbMText* embedded) {
     PlaceInEntry where;
     forEachGroup(source, place, [&](const Group& group) {
@@ -152,11 +152,11 @@ private:
     int m_next = 3; // component of an open point that comes next
 };
 
-void readXrecord(OdDbXrecord& record, const Source& source, const Stub& stub, const Values& values) {
+void readXrecord(OdDbXrecord& record, const Source& source, const Node& node, const Values& values) {
     constexpr int kCloning = 280;
     ChainBuilder chain(values);
     bool inside = false;
-    forEachGroup(source, stub, [&](const Group& group) {
+    forEachGroup(source, node, [&](const Group& group) {
         if (group.code >= kFirstXData) return false;
         if (group.code == kComment) return true;
         if (!inside) {
@@ -171,57 +171,57 @@ void readXrecord(OdDbXrecord& record, const Source& source, const Stub& stub, co
 
 } // namespace
 
-void readBody(DatabaseData& data, Stub& stub) {
-    const KindSpec& kind = specOf(stub);
+void readBody(DatabaseData& data, Node& node) {
+    const KindSpec& kind = specOf(node);
     OdSmartPtr<OdDbObject> object(kind.make(), kAttach);
-    if (data.source != nullptr && stub.length != 0) {
+    if (data.source != nullptr && node.length != 0) {
         const Source& source = *data.source;
         const Values values(source);
-        ReadContext context{data, values, stub};
+        ReadContext context{data, values, node};
         OdSmartPtr<OdDbMText> embedded;
-        const bool mayEmbed = stub.kind == kKindAttrib || stub.kind == kKindAttdef;
-        if (mayEmbed && hasEmbeddedObject(source, stub))
+        const bool mayEmbed = node.kind == kKindAttrib || node.kind == kKindAttdef;
+        if (mayEmbed && hasEmbeddedObject(source, node))
             embedded = OdSmartPtr<OdDbMText>(new OdDbMText(), kAttach);
         // The words that the look-out went by may also stand in a text.
-        if (!readFields(*object.get(), *kind.fields, source, stub, context, embedded.get()))
+        if (!readFields(*object.get(), *kind.fields, source, node, context, embedded.get()))
             embedded.release();
         if (auto* attribute = OdDbAttribute::cast(object.get()); attribute != nullptr && !embedded.isNull())
             attribute->setMTextAttribute(embedded);
         if (auto* definition = OdDbAttributeDefinition::cast(object.get());
             definition != nullptr && !embedded.isNull())
             definition->setMTextAttributeDefinition(embedded);
-        if (auto* record = OdDbXrecord::cast(object.get())) readXrecord(*record, source, stub, values);
+        if (auto* record = OdDbXrecord::cast(object.get())) readXrecord(*record, source, node, values);
     }
     if (auto* entity = OdDbEntity::cast(object.get()))
         if (OdDbObjectId& layer = ObjectAccess::layerOf(*entity); layer.isNull())
             layer = OdDbObjectId(data.fixed.layerZero);
-    stub.body = object.get();
-    ObjectAccess::setStub(*object.get(), &stub);
+    node.body = object.get();
+    ObjectAccess::setNode(*object.get(), &node);
     ObjectAccess::setRefs(*object.detach(), 0);
 }
 
-bool hasEmbeddedObject(const Source& source, const Stub& stub) {
+bool hasEmbeddedObject(const Source& source, const Node& node) {
     constexpr std::string_view kMark = "Embedded Object";
-    return ::memmem(source.begin() + stub.offset, stub.length, kMark.data(), kMark.size()) != nullptr;
+    return ::memmem(source.begin() + node.offset, node.length, kMark.data(), kMark.size()) != nullptr;
 }
 
-void readFieldsFrom(DatabaseData& data, Stub& from, OdDbObject& object, const ClassSpec& spec) {
+void readFieldsFrom(DatabaseData& data, Node& from, OdDbObject& object, const ClassSpec& spec) {
     if (data.source == nullptr) return;
     const Values values(*data.source);
     ReadContext context{data, values, from};
     readFields(object, spec, *data.source, from, context, nullptr);
 }
 
-void readXData(Stub& stub, const std::function<void(const OdString&, OdSmartPtr<OdResBuf>)>& take) {
-    const DatabaseData& data = stub.database()->data();
-    if (data.source == nullptr || stub.length == 0) return;
+void readXData(Node& node, const std::function<void(const OdString&, OdSmartPtr<OdResBuf>)>& take) {
+    const DatabaseData& data = node.database()->data();
+    if (data.source == nullptr || node.length == 0) return;
     const Values values(*data.source);
     ChainBuilder chain(values);
     OdString application;
     const auto flush = [&] {
         if (!chain.isEmpty()) take(application, chain.take());
     };
-    forEachGroup(*data.source, stub, [&](const Group& group) {
+    forEachGroup(*data.source, node, [&](const Group& group) {
         if (group.code < kFirstXData) return true;
         if (group.code == kApplication) {
             flush();
@@ -239,7 +239,7 @@ void readXData(Stub& stub, const std::function<void(const OdString&, OdSmartPtr<
 OdSmartPtr<OdResBuf> readHeaderVariable(const DatabaseData& data, std::string_view name) {
     for (const HeaderVariable& variable : data.header) {
         if (variable.name.size() != name.size() + 1 || variable.name.substr(1) != name) continue;
-        Stub place;
+        Node place;
         place.offset = variable.offset;
         place.length = variable.length;
         const Values values(*data.source);

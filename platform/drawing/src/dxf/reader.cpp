@@ -97,8 +97,8 @@ void load(OdDbDatabase& database, const ReadOptions& options) {
     scan(data, options, scanned);
     build(data, options, scanned);
     if (!options.strict) return;
-    data.stubs.forEach([&data](Stub& stub) {
-        if (stub.kind != kKindBlock && stub.kind != kKindEndblk) data.bodyOf(&stub);
+    data.nodes.forEach([&data](Node& node) {
+        if (node.kind != kKindBlock && node.kind != kKindEndblk) data.bodyOf(&node);
     });
     if (data.report.total() != 0)
         throw errorOf(eBrokenFile, data.source->name + ": " + Report::text(data.report.repairs().front()));

@@ -13,7 +13,7 @@ std::string folded(WideView name) {
 
 } // namespace
 
-Stub* DatabaseData::Resolver::tableOf(Names table) const {
+Node* DatabaseData::Resolver::tableOf(Names table) const {
     switch (table) {
     case Names::kLayers:
         return data.fixed.layerTable;
@@ -27,15 +27,15 @@ Stub* DatabaseData::Resolver::tableOf(Names table) const {
     return nullptr;
 }
 
-Stub* DatabaseData::Resolver::lookUp(Names table, Memo& memo, std::string_view bytes) {
-    Stub* const head = tableOf(table);
+Node* DatabaseData::Resolver::lookUp(Names table, Memo& memo, std::string_view bytes) {
+    Node* const head = tableOf(table);
     if (head == nullptr) return nullptr;
     bool bad = false;
     const OdString name = data.source->decoder.decode(bytes, bad);
-    if (Stub* const exact = data.tableRecord(head, name)) return exact;
+    if (Node* const exact = data.tableRecord(head, name)) return exact;
     if (!memo.foldedReady) {
         memo.foldedReady = true;
-        for (Stub* record = head->firstPart; record != nullptr; record = record->next) {
+        for (Node* record = head->firstPart; record != nullptr; record = record->next) {
             const auto* body = static_cast<OdDbSymbolTableRecord*>(data.bodyOf(record));
             memo.folded.emplace(folded(body->getName().view()), record);
         }
@@ -44,20 +44,20 @@ Stub* DatabaseData::Resolver::lookUp(Names table, Memo& memo, std::string_view b
     return found != memo.folded.end() ? found->second : nullptr;
 }
 
-Stub* DatabaseData::Resolver::findSlowly(Names table, std::string_view bytes) {
+Node* DatabaseData::Resolver::findSlowly(Names table, std::string_view bytes) {
     Memo& memo = memos[static_cast<int>(table)];
     const auto known = memo.known.find(bytes);
-    Stub* const stub = known != memo.known.end() ? known->second : lookUp(table, memo, bytes);
-    if (known == memo.known.end()) memo.known.emplace(bytes, stub);
+    Node* const node = known != memo.known.end() ? known->second : lookUp(table, memo, bytes);
+    if (known == memo.known.end()) memo.known.emplace(bytes, node);
     memo.lastBytes = bytes;
-    memo.lastStub = stub;
-    return stub;
+    memo.lastNode = node;
+    return node;
 }
 
-void DatabaseData::Resolver::set(Names table, std::string_view bytes, Stub* stub) {
+void DatabaseData::Resolver::set(Names table, std::string_view bytes, Node* node) {
     Memo& memo = memos[static_cast<int>(table)];
-    memo.known[bytes] = stub;
-    memo.lastStub = nullptr;
+    memo.known[bytes] = node;
+    memo.lastNode = nullptr;
 }
 
 } // namespace lm::drawing

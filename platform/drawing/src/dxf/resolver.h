@@ -16,13 +16,13 @@ struct DatabaseData::Resolver {
     explicit Resolver(DatabaseData& owner) : data(owner) {}
 
     /// The entry of a name as the file's bytes have it; null when the table lacks it.
-    Stub* find(Names table, std::string_view bytes) {
+    Node* find(Names table, std::string_view bytes) {
         Memo& memo = memos[static_cast<int>(table)];
-        if (memo.lastStub != nullptr && memo.lastBytes == bytes) return memo.lastStub;
+        if (memo.lastNode != nullptr && memo.lastBytes == bytes) return memo.lastNode;
         return findSlowly(table, bytes);
     }
     /// Lets a name stand for an entry.
-    void set(Names table, std::string_view bytes, Stub* stub);
+    void set(Names table, std::string_view bytes, Node* node);
     /// Forgets everything: the tables changed.
     void clear() {
         for (Memo& memo : memos) memo = Memo();
@@ -31,14 +31,14 @@ struct DatabaseData::Resolver {
 private:
     struct Memo {
         std::string_view lastBytes;
-        Stub* lastStub = nullptr;
-        std::unordered_map<std::string_view, Stub*> known; // keys lie in the source
-        std::unordered_map<std::string, Stub*> folded;
+        Node* lastNode = nullptr;
+        std::unordered_map<std::string_view, Node*> known; // keys lie in the source
+        std::unordered_map<std::string, Node*> folded;
         bool foldedReady = false;
     };
-    Stub* findSlowly(Names table, std::string_view bytes);
-    Stub* lookUp(Names table, Memo& memo, std::string_view bytes);
-    Stub* tableOf(Names table) const;
+    Node* findSlowly(Names table, std::string_view bytes);
+    Node* lookUp(Names table, Memo& memo, std::string_view bytes);
+    Node* tableOf(Names table) const;
 
     DatabaseData& data;
     Memo memos[4];

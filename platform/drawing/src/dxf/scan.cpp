@@ -3,6 +3,7 @@
 
 #include "dxf/cursor.h"
 
+#include <algorithm>
 #include <limits>
 #include <unordered_set>
 
@@ -64,9 +65,24 @@ private:
     bool atEnd() const { return m_step != Step::kGroup; }
 
     void advance() {
-        m_before = m_cursor.position();
-        m_step = m_cursor.next(m_group);
-        if (m_step == Step::kBadCode) failCode(m_before);
+        do {
+            m_before = m_cursor.position();
+            m_step = m_cursor.next(m_group);
+        } while (m_step == Step::kGroup && m_group.code == kComment);
+        if (m_step == Step::kBadCode || m_step == Step::kCut) {
+            // Blank lines and the mark of an old system may follow the last section.
+            if (m_betweenSections && isBlankFrom(m_before))
+                m_step = Step::kEnd;
+            else if (m_step == Step::kBadCode)
+                failCode(m_before);
+        }
+    }
+
+    bool isBlankFrom(const char* at) const {
+        constexpr char kOldEnd = 0x1A;
+        return !m_source.binary && std::all_of(at, m_source.end(), [](char c) {
+            return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == kOldEnd;
+        });
     }
 
     [[noreturn]] void failCode(const char* at) const {
@@ -95,7 +111,8 @@ private:
     }
 
     void report(Defect defect, const char* at, std::string detail, std::uint64_t handle = 0) {
-        m_data.report.add({defect, handle, m_source.placeOf(at), std::move(detail)});
+        const bool kept = m_data.report.count(defect) < Report::kKept;
+        m_data.report.add({defect, handle, kept ? m_source.placeOf(at) : 0, std::move(detail)});
     }
 
     /// The type name of the entry that the current group begins.
@@ -111,6 +128,7 @@ private:
 
     void section() {
         const char* const start = m_before;
+        m_betweenSections = false;
         advance();
         if (atEnd() || m_group.code != 2) raise(m_before, "expected the name of a section");
         const std::string name(stripped(m_group.raw()));
@@ -130,13 +148,21 @@ private:
         if (atEnd()) raise(m_source.end(), "the file ends inside section " + name);
         m_data.sections.push_back({name, static_cast<std::uint64_t>(start - m_source.begin()),
                                    static_cast<std::uint64_t>(m_before - start)});
-        advance();
+        m_betweenSections = true;
+        if (isType("ENDSEC"))
+            advance();
+        else
+            report(Defect::kMissingEnd, m_before, "section " + name + " has no ENDSEC");
     }
+
+    /// Where a section ends: at its mark, or where the next section or the end of the file shows that it has
+    /// none.
+    bool atSectionEnd() const { return atEnd() || isType("ENDSEC") || isType("SECTION") || isType("EOF"); }
 
     bool isType(std::string_view type) const { return m_group.code == 0 && stripped(m_group.raw()) == type; }
 
     void skipSection() {
-        while (!atEnd() && !isType("ENDSEC")) advance();
+        while (!atSectionEnd()) advance();
     }
 
     void header() {
@@ -154,11 +180,11 @@ private:
                 open->length = static_cast<std::uint32_t>(
                     static_cast<std::uint64_t>(m_before - m_source.begin()) - open->offset);
         }
-        if (!atEnd() && !isType("ENDSEC")) fail(m_group.data, "ENDSEC", m_group.raw());
+        if (!atSectionEnd()) fail(m_group.data, "ENDSEC", m_group.raw());
     }
 
     void tables() {
-        while (!atEnd() && !isType("ENDSEC")) {
+        while (!atSectionEnd()) {
             const std::string_view type = expectType("a table");
             if (type == "TABLE")
                 table();
@@ -171,7 +197,7 @@ private:
 
     void table() {
         Head head;
-        Stub* const entry = readEntry(kKindTable, head);
+        Node* const entry = readEntry(kKindTable, head);
         m_result.tables.push_back({entry, stripped(head.name)});
         while (!atEnd()) {
             const std::string_view type = expectType("a record of a table");
@@ -179,13 +205,13 @@ private:
                 advance();
                 return;
             }
-            if (type == "ENDSEC" || type == "TABLE") {
+            if (type == "ENDSEC" || type == "TABLE" || type == "SECTION" || type == "EOF") {
                 report(Defect::kMissingEnd, m_before, "table " + std::string(head.name) + " has no ENDTAB");
                 return;
             }
             Head recordHead;
-            Stub* const record = readEntry(kindOf(type), recordHead);
-            record->flags |= Stub::kTableRecord;
+            Node* const record = readEntry(kindOf(type), recordHead);
+            record->flags |= Node::kTableRecord;
             entry->appendPart(record);
         }
     }
@@ -194,13 +220,13 @@ private:
         const std::string type(printable(stripped(m_group.raw())));
         const char* const at = m_before;
         Head head;
-        Stub* const entry = readEntry(kindOf(stripped(m_group.raw())), head);
+        Node* const entry = readEntry(kindOf(stripped(m_group.raw())), head);
         m_data.strays.push_back(entry);
         report(Defect::kStrayEntry, at, type, entry->handle);
     }
 
     void blocks() {
-        while (!atEnd() && !isType("ENDSEC")) {
+        while (!atSectionEnd()) {
             if (expectType("a block") == "BLOCK")
                 block();
             else
@@ -210,11 +236,11 @@ private:
 
     void block() {
         Head head;
-        Stub* const begin = readEntry(kKindBlock, head);
+        Node* const begin = readEntry(kKindBlock, head);
         ScannedBlock block{begin, nullptr, head.name, head.owner, head.hasName};
         while (!atEnd()) {
             const std::string_view type = expectType("an entity of a block");
-            if (type == "BLOCK" || type == "ENDSEC") {
+            if (type == "BLOCK" || type == "ENDSEC" || type == "SECTION" || type == "EOF") {
                 report(Defect::kMissingEnd, m_before, "a block has no ENDBLK", begin->handle);
                 break;
             }
@@ -229,7 +255,7 @@ private:
     }
 
     void entities() {
-        while (!atEnd() && !isType("ENDSEC")) {
+        while (!atSectionEnd()) {
             const std::uint64_t owner = entity(expectType("an entity"), m_result.entities);
             if (m_result.entityOwners.empty() || m_result.entityOwners.back().owner != owner)
                 m_result.entityOwners.push_back({m_lastEntity, owner});
@@ -237,7 +263,7 @@ private:
     }
 
     void objects() {
-        while (!atEnd() && !isType("ENDSEC")) {
+        while (!atSectionEnd()) {
             Head head;
             m_result.objects.push_back(readEntry(kindOf(expectType("an object")), head));
             m_result.objectOwners.push_back(head.owner);
@@ -255,52 +281,52 @@ private:
 
     /// One entity with what hangs on it: attributes and vertices up to the SEQEND that closes them. Gives the
     /// owner that it names.
-    std::uint64_t entity(std::string_view type, Stub& place) {
+    std::uint64_t entity(std::string_view type, Node& place) {
         Head head;
-        Stub* const stub = readEntity(kindOf(type), head);
-        place.appendPart(stub);
-        m_lastEntity = stub;
-        const std::uint16_t part = stub->kind == kKindInsert     ? kKindAttrib
-                                   : stub->kind == kKindPolyline ? kKindVertex
+        Node* const node = readEntity(kindOf(type), head);
+        place.appendPart(node);
+        m_lastEntity = node;
+        const std::uint16_t part = node->kind == kKindInsert     ? kKindAttrib
+                                   : node->kind == kKindPolyline ? kKindVertex
                                                                  : kKindNone;
-        if (stub->kind == kKindInsert) m_result.inserts.push_back({stub, head.name});
+        if (node->kind == kKindInsert) m_result.inserts.push_back({node, head.name});
         if (part == kKindNone) return head.owner;
         while (!atEnd() && m_group.code == 0) {
             const std::uint16_t kind = kindOf(stripped(m_group.raw()));
             if (kind != part && kind != kKindSeqend) break;
             Head partHead;
-            stub->appendPart(readEntity(kind, partHead));
+            node->appendPart(readEntity(kind, partHead));
             if (kind == kKindSeqend) break;
         }
         return head.owner;
     }
 
-    Stub* readEntity(std::uint16_t kind, Head& head) {
-        Stub* const stub = readEntry(kind, head);
-        stub->flags |= Stub::kEntity;
-        if (head.paper) stub->flags |= Stub::kPaper;
-        if (head.hasLayer) noteLayer(head.layer, stub);
-        return stub;
+    Node* readEntity(std::uint16_t kind, Head& head) {
+        Node* const node = readEntry(kind, head);
+        node->flags |= Node::kEntity;
+        if (head.paper) node->flags |= Node::kPaper;
+        if (head.hasLayer) noteLayer(head.layer, node);
+        return node;
     }
 
-    void noteLayer(std::string_view name, Stub* stub) {
+    void noteLayer(std::string_view name, Node* node) {
         if (name == m_lastLayer) return;
         m_lastLayer = name;
-        if (m_knownLayers.insert(name).second) m_result.layers.push_back({name, stub});
+        if (m_knownLayers.insert(name).second) m_result.layers.push_back({name, node});
     }
 
     /// Reads an entry from behind its type to the next one.
-    Stub* readEntry(std::uint16_t kind, Head& head) {
-        Stub* const stub = m_data.stubs.make();
+    Node* readEntry(std::uint16_t kind, Head& head) {
+        Node* const node = m_data.nodes.make();
         const char* const start = m_cursor.position();
         pickHead(kind, head);
         const std::size_t length = static_cast<std::size_t>(m_before - start);
         if (length > std::numeric_limits<std::uint32_t>::max()) raise(start, "an entry is longer than 4 GiB");
-        stub->kind = kind;
-        stub->offset = static_cast<std::uint64_t>(start - m_source.begin());
-        stub->length = static_cast<std::uint32_t>(length);
-        takeHandle(*stub, head, start);
-        return stub;
+        node->kind = kind;
+        node->offset = static_cast<std::uint64_t>(start - m_source.begin());
+        node->length = static_cast<std::uint32_t>(length);
+        takeHandle(*node, head, start);
+        return node;
     }
 
     void pickHead(std::uint16_t kind, Head& head) {
@@ -330,8 +356,7 @@ private:
                 break;
             case 67: {
                 bool bad = false;
-                if (!head.hasLayer || subclass)
-                    head.paper = head.paper || m_values.integer(m_group, bad) == 1;
+                head.paper = head.paper || m_values.integer(m_group, bad) == 1;
                 break;
             }
             case 100:
@@ -355,17 +380,17 @@ private:
         }
     }
 
-    void takeHandle(Stub& stub, const Head& head, const char* start) {
+    void takeHandle(Node& node, const Head& head, const char* start) {
         bool bad = false;
         const std::uint64_t handle = head.hasHandle ? parseHandle(head.handle, bad) : 0;
         if (handle != 0) {
-            stub.handle = handle;
+            node.handle = handle;
             if (handle > m_result.highestHandle) m_result.highestHandle = handle;
             ++m_result.handled;
             return;
         }
         const bool wrong = head.hasHandle && bad && !stripped(head.handle).empty();
-        m_result.handleFaults.push_back({&stub, wrong ? Defect::kBadHandle : Defect::kMissingHandle,
+        m_result.handleFaults.push_back({&node, wrong ? Defect::kBadHandle : Defect::kMissingHandle,
                                          static_cast<std::uint64_t>(start - m_source.begin()),
                                          wrong ? printable(head.handle) : std::string()});
     }
@@ -379,11 +404,12 @@ private:
     Step m_step = Step::kEnd;
     const char* m_before = nullptr; // where the current group begins
     bool m_closed = false;
+    bool m_betweenSections = false;
     std::string_view m_lastType;
     std::uint16_t m_lastKind = kKindNone;
     std::string_view m_lastLayer;
     std::unordered_set<std::string_view> m_knownLayers;
-    Stub* m_lastEntity = nullptr;
+    Node* m_lastEntity = nullptr;
 };
 
 } // namespace

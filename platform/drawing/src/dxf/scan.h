@@ -13,14 +13,14 @@ namespace lm::drawing {
 
 /// A table as the file has it; its records are the parts of the entry.
 struct ScannedTable {
-    Stub* head = nullptr;
+    Node* head = nullptr;
     std::string_view name;
 };
 
 /// A block as the file has it; its entities are the parts of the BLOCK entry until they get their record.
 struct ScannedBlock {
-    Stub* begin = nullptr;
-    Stub* end = nullptr;
+    Node* begin = nullptr;
+    Node* end = nullptr;
     std::string_view name;
     std::uint64_t owner = 0;
     bool named = false;
@@ -28,19 +28,19 @@ struct ScannedBlock {
 
 /// A reference and the name of its block.
 struct ScannedInsert {
-    Stub* insert = nullptr;
+    Node* insert = nullptr;
     std::string_view name;
 };
 
 /// Entries from `first` on name this owner, until the next run.
 struct OwnerRun {
-    Stub* first = nullptr;
+    Node* first = nullptr;
     std::uint64_t owner = 0;
 };
 
 /// An entry whose handle needs mending, and how.
 struct HandleFault {
-    Stub* stub = nullptr;
+    Node* node = nullptr;
     Defect defect = Defect::kMissingHandle;
     std::uint64_t place = 0;
     std::string found;
@@ -49,16 +49,16 @@ struct HandleFault {
 /// A layer name that entities stand on, and the first of them.
 struct UsedLayer {
     std::string_view name;
-    Stub* first = nullptr;
+    Node* first = nullptr;
 };
 
 struct ScanResult {
     std::vector<ScannedTable> tables;
     std::vector<ScannedBlock> blocks;
     std::vector<ScannedInsert> inserts;
-    Stub entities; ///< holds the entities of the ENTITIES section as parts
+    Node entities; ///< holds the entities of the ENTITIES section as parts
     std::vector<OwnerRun> entityOwners;
-    std::vector<Stub*> objects;
+    std::vector<Node*> objects;
     std::vector<std::uint64_t> objectOwners;
     std::vector<HandleFault> handleFaults;
     std::vector<UsedLayer> layers;

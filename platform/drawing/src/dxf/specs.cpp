@@ -136,7 +136,7 @@ struct ClassSpecs {
         constexpr long long kTrusted = 4096;      // a count in a file is a hint and no reason to take memory
         constexpr long long kShortestVertex = 10; // bytes of two groups
         const long long count = c.values.integer(g, c.bad);
-        const long long room = c.stub.length / kShortestVertex;
+        const long long room = c.node.length / kShortestVertex;
         if (count > 0)
             static_cast<OdDbPolyline&>(o).m_vertices.reserve(
                 static_cast<std::size_t>(std::min({count, room, kTrusted})));
@@ -395,22 +395,22 @@ const Specs& specs() {
 }
 
 /// Whether a kind stands where its class belongs: a LAYER among entities is no layer.
-bool isInPlace(const Stub& stub) {
-    const bool record = stub.kind >= kKindLayer && stub.kind <= kKindBlockRecord;
-    const bool object = stub.kind >= kKindDictionary;
-    if (record) return stub.has(Stub::kTableRecord);
-    if (object) return !stub.has(Stub::kEntity) && !stub.has(Stub::kTableRecord);
-    return stub.has(Stub::kEntity);
+bool isInPlace(const Node& node) {
+    const bool record = node.kind >= kKindLayer && node.kind <= kKindBlockRecord;
+    const bool object = node.kind >= kKindDictionary;
+    if (record) return node.has(Node::kTableRecord);
+    if (object) return !node.has(Node::kEntity) && !node.has(Node::kTableRecord);
+    return node.has(Node::kEntity);
 }
 
 } // namespace
 
-const KindSpec& specOf(const Stub& stub) {
+const KindSpec& specOf(const Node& node) {
     const Specs& all = specs();
-    if (stub.kind < kFixedKinds && all.byKind[stub.kind].make != nullptr && isInPlace(stub))
-        return all.byKind[stub.kind];
-    if (stub.has(Stub::kEntity)) return all.unreadEntity;
-    return stub.has(Stub::kTableRecord) ? all.unreadRecord : all.unreadObject;
+    if (node.kind < kFixedKinds && all.byKind[node.kind].make != nullptr && isInPlace(node))
+        return all.byKind[node.kind];
+    if (node.has(Node::kEntity)) return all.unreadEntity;
+    return node.has(Node::kTableRecord) ? all.unreadRecord : all.unreadObject;
 }
 
 const ClassSpec& mtextSpec() {

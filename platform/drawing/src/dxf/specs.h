@@ -15,7 +15,7 @@ namespace lm::drawing {
 struct ReadContext {
     DatabaseData& data;
     const Values& values;
-    Stub& stub;
+    Node& node;
     bool bad = false;     ///< a value could not be read
     bool badText = false; ///< bytes that the code page doesn't know
 
@@ -58,8 +58,9 @@ struct KindSpec {
     const ClassSpec* fields;
 };
 
-/// The spec of an entry; entries of other kinds get that of their place: entity, table record or object.
-const KindSpec& specOf(const Stub& stub);
+/// How an entry is read; entries of other kinds are read as their place demands: entity, table record or
+/// object.
+const KindSpec& specOf(const Node& node);
 
 /// Fields of multi-line text, as an entity and embedded in an attribute; fields of the head of a block.
 const ClassSpec& mtextSpec();

@@ -6,7 +6,7 @@
 #include "model/iterators.h"
 #include "model/transform.h"
 
-using lm::drawing::Stub;
+using lm::drawing::Node;
 
 LM_RX_DEFINE(OdDbBlockReference, OdDbEntity)
 
@@ -50,8 +50,8 @@ void OdDbBlockReference::setBlockTableRecord(OdDbObjectId id) {
     if (isDBRO() && id.isValid() && id.database() != database()) throw OdError(eInvalidInput);
     beginChange();
     if (isDBRO()) {
-        lm::drawing::removeReference(m_block, objectId().stub());
-        lm::drawing::addReference(id, objectId().stub());
+        lm::drawing::removeReference(m_block, objectId().node());
+        lm::drawing::addReference(id, objectId().node());
     }
     m_block = id;
 }
@@ -79,24 +79,24 @@ OdDbObjectId OdDbBlockReference::appendAttribute(OdSmartPtr<OdDbAttribute> attri
     }
     // The reference itself doesn't change by what is hung on it, but it must be open for write.
     assertWriteEnabled(false, false);
-    Stub* const stub = objectId().stub();
-    stub->flags |= Stub::kDirty;
-    Stub* const entry =
-        lm::drawing::makeResident(database()->data(), *attribute, lm::drawing::kKindAttrib, stub, true);
-    entry->flags |= Stub::kEntity;
+    Node* const node = objectId().node();
+    node->flags |= Node::kDirty;
+    Node* const entry =
+        lm::drawing::makeResident(database()->data(), *attribute, lm::drawing::kKindAttrib, node, true);
+    entry->flags |= Node::kEntity;
     return OdDbObjectId(entry);
 }
 
 void OdDbBlockReference::subBecomeResident() {
     OdDbEntity::subBecomeResident();
     if (m_block.isValid() && m_block.database() != database()) m_block = OdDbObjectId::kNull;
-    lm::drawing::addReference(m_block, objectId().stub());
+    lm::drawing::addReference(m_block, objectId().node());
     if (!m_outside) return;
     const auto waiting = std::move(m_outside);
     for (const OdSmartPtr<OdDbAttribute>& attribute : *waiting) {
-        Stub* const entry = lm::drawing::makeResident(database()->data(), *attribute.get(),
-                                                      lm::drawing::kKindAttrib, objectId().stub(), true);
-        entry->flags |= Stub::kEntity;
+        Node* const entry = lm::drawing::makeResident(database()->data(), *attribute.get(),
+                                                      lm::drawing::kKindAttrib, objectId().node(), true);
+        entry->flags |= Node::kEntity;
     }
 }
 

@@ -7,8 +7,8 @@
 #include "model/databasedata.h"
 
 using lm::drawing::DatabaseData;
+using lm::drawing::Node;
 using lm::drawing::ObjectAccess;
-using lm::drawing::Stub;
 
 LM_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject)
 
@@ -68,15 +68,15 @@ OdDbObjectId OdDbDatabase::getTextStyleStandardId() const {
     return OdDbObjectId(m_data->fixed.standardStyle);
 }
 
-OdDbObjectId OdDbDatabase::getOdDbObjectId(const OdDbHandle& handle, bool, unsigned int) const {
-    return OdDbObjectId(handle.isNull() ? nullptr : m_data->handles.find(handle.value()));
+OdDbObjectId OdDbDatabase::findFarHandle(const OdDbHandle& handle) const {
+    return OdDbObjectId(m_data->handles.find(handle.value()));
 }
 
 OdDbObjectId OdDbDatabase::addOdDbObject(OdSmartPtr<OdDbObject> object, OdDbObjectId owner) {
     std::uint16_t kind = lm::drawing::kKindNone;
     if (object->isKindOf(OdDbDictionary::desc())) kind = lm::drawing::kKindDictionary;
     if (object->isKindOf(OdDbXrecord::desc())) kind = lm::drawing::kKindXrecord;
-    return OdDbObjectId(lm::drawing::makeResident(*m_data, *object.get(), kind, owner.stub(), false));
+    return OdDbObjectId(lm::drawing::makeResident(*m_data, *object.get(), kind, owner.node(), false));
 }
 
 OdDbObjectId OdDbDatabase::getCLAYER() const {
@@ -132,7 +132,7 @@ bool OdDbDatabase::setSysVar(const OdString& name, OdSmartPtr<OdResBuf> value) {
     const OdDbObjectId id = value->getObjectId();
     if (!id.isValid() || id.isErased() || id.database() != this) return false;
     if (OdDbLayerTableRecord::cast(id.openObject().get()) == nullptr) return false;
-    m_data->currentLayer = id.stub();
+    m_data->currentLayer = id.node();
     return true;
 }
 
@@ -174,20 +174,20 @@ const lm::drawing::Report& OdDbDatabase::report() const {
 
 namespace lm::drawing {
 
-DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), stubs(db) {}
+DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), nodes(db), handles(db.m_handles) {}
 
 DatabaseData::~DatabaseData() {
     // Objects that somebody still holds live on outside; what they need of the source is read now. After that
     // no id finds its object any more.
     std::vector<OdDbObject*> held;
-    stubs.forEach([&held](Stub& stub) {
-        if (stub.body != nullptr && ObjectAccess::refs(*stub.body) > 0) held.push_back(stub.body);
+    nodes.forEach([&held](Node& node) {
+        if (node.body != nullptr && ObjectAccess::refs(*node.body) > 0) held.push_back(node.body);
     });
     for (OdDbObject* object : held) ObjectAccess::detachFromDatabase(*object);
-    stubs.forgetDatabase();
-    stubs.forEach([](Stub& stub) {
-        if (stub.body != nullptr && ObjectAccess::refs(*stub.body) == 0) delete stub.body;
-        stub.body = nullptr;
+    nodes.forgetDatabase();
+    nodes.forEach([](Node& node) {
+        if (node.body != nullptr && ObjectAccess::refs(*node.body) == 0) delete node.body;
+        node.body = nullptr;
     });
 }
 
@@ -196,42 +196,42 @@ std::uint64_t DatabaseData::freeHandle() {
     return nextHandle++;
 }
 
-Stub* DatabaseData::makeEntry(std::uint16_t kind) {
-    Stub* const stub = stubs.make();
-    stub->kind = kind;
-    stub->flags = Stub::kDirty;
-    stub->handle = freeHandle();
-    handles.insert(stub->handle, stub);
-    return stub;
+Node* DatabaseData::makeEntry(std::uint16_t kind) {
+    Node* const node = nodes.make();
+    node->kind = kind;
+    node->flags = Node::kDirty;
+    node->handle = freeHandle();
+    handles.insert(node->handle, node);
+    return node;
 }
 
-Stub* DatabaseData::adopt(OdDbObject* body, std::uint16_t kind) {
-    Stub* const stub = makeEntry(kind);
-    stub->body = body;
-    ObjectAccess::setStub(*body, stub);
-    return stub;
+Node* DatabaseData::adopt(OdDbObject* body, std::uint16_t kind) {
+    Node* const node = makeEntry(kind);
+    node->body = body;
+    ObjectAccess::setNode(*body, node);
+    return node;
 }
 
-OdDbObject* DatabaseData::bodyOf(Stub* stub) {
-    if (stub->body == nullptr) readBody(*this, *stub);
-    return stub->body;
+OdDbObject* DatabaseData::bodyOf(Node* node) {
+    if (node->body == nullptr) readBody(*this, *node);
+    return node->body;
 }
 
-Stub* DatabaseData::tableRecord(Stub* table, const OdString& name) const {
+Node* DatabaseData::tableRecord(Node* table, const OdString& name) const {
     if (table == nullptr) return nullptr;
     const auto* body = static_cast<OdDbSymbolTable*>(const_cast<DatabaseData*>(this)->bodyOf(table));
-    Stub* const found = ObjectAccess::findName(*body, name);
+    Node* const found = ObjectAccess::findName(*body, name);
     return found != nullptr && !found->isErased() ? found : nullptr;
 }
 
 void registerApplication(DatabaseData& data, const OdString& name) {
-    Stub* const table = data.fixed.appTable;
+    Node* const table = data.fixed.appTable;
     if (table == nullptr || name.isEmpty() || data.tableRecord(table, name) != nullptr) return;
     ++data.silentRegistrations;
     auto* record = new OdDbRegAppTableRecord();
     ObjectAccess::setName(*record, name);
-    Stub* const entry = data.adopt(record, kKindAppid);
-    entry->flags |= Stub::kTableRecord;
+    Node* const entry = data.adopt(record, kKindAppid);
+    entry->flags |= Node::kTableRecord;
     table->appendPart(entry);
     ObjectAccess::enterName(*static_cast<OdDbSymbolTable*>(data.bodyOf(table)), name, entry);
     ObjectAccess::setRefs(*record, 0);

@@ -28,28 +28,28 @@ struct Section {
 
 /// The two entries that a file has around the entities of a block.
 struct BlockFrame {
-    Stub* record = nullptr;
-    Stub* begin = nullptr;
-    Stub* end = nullptr; ///< null where the file lacks it
+    Node* record = nullptr;
+    Node* begin = nullptr;
+    Node* end = nullptr; ///< null where the file lacks it
 };
 
 /// The fixed entries of a database.
 struct FixedEntries {
-    Stub* blockTable = nullptr;
-    Stub* layerTable = nullptr;
-    Stub* linetypeTable = nullptr;
-    Stub* styleTable = nullptr;
-    Stub* appTable = nullptr;
-    Stub* viewportTable = nullptr;
-    Stub* viewTable = nullptr;
-    Stub* dictionary = nullptr;
-    Stub* modelSpace = nullptr;
-    Stub* paperSpace = nullptr;
-    Stub* layerZero = nullptr;
-    Stub* byBlock = nullptr;
-    Stub* byLayer = nullptr;
-    Stub* continuous = nullptr;
-    Stub* standardStyle = nullptr;
+    Node* blockTable = nullptr;
+    Node* layerTable = nullptr;
+    Node* linetypeTable = nullptr;
+    Node* styleTable = nullptr;
+    Node* appTable = nullptr;
+    Node* viewportTable = nullptr;
+    Node* viewTable = nullptr;
+    Node* dictionary = nullptr;
+    Node* modelSpace = nullptr;
+    Node* paperSpace = nullptr;
+    Node* layerZero = nullptr;
+    Node* byBlock = nullptr;
+    Node* byLayer = nullptr;
+    Node* continuous = nullptr;
+    Node* standardStyle = nullptr;
 };
 
 struct DatabaseData {
@@ -57,7 +57,7 @@ struct DatabaseData {
     ~DatabaseData();
 
     OdDbDatabase& database;
-    StubArena stubs;
+    NodeArena nodes;
     HandleIndex handles;
     KindList kinds;
     FixedEntries fixed;
@@ -67,13 +67,13 @@ struct DatabaseData {
     std::vector<HeaderVariable> header;
     std::vector<Section> sections;
     std::vector<BlockFrame> frames;
-    std::vector<Stub*> strays; ///< entries that stand nowhere, kept for writing
+    std::vector<Node*> strays; ///< entries that stand nowhere, kept for writing
     Report report;
     OdString fileName;
     std::string version;
     std::string codePage;
 
-    Stub* currentLayer = nullptr;
+    Node* currentLayer = nullptr;
     bool currentLayerAsText = false;
     OdGePoint3d basePoint;
 
@@ -82,13 +82,13 @@ struct DatabaseData {
     unsigned int undoMarkCount = 0;
 
     /// An entry with a body, a free handle and a place in the index.
-    Stub* adopt(OdDbObject* body, std::uint16_t kind);
+    Node* adopt(OdDbObject* body, std::uint16_t kind);
     /// An entry without a body yet, with a free handle.
-    Stub* makeEntry(std::uint16_t kind);
+    Node* makeEntry(std::uint16_t kind);
     std::uint64_t freeHandle();
     /// The body of an entry, read from the source at the first call.
-    OdDbObject* bodyOf(Stub* stub);
-    Stub* tableRecord(Stub* table, const OdString& name) const;
+    OdDbObject* bodyOf(Node* node);
+    Node* tableRecord(Node* table, const OdString& name) const;
 
     // Name look-ups of the reader; they live as long as bodies can still be read.
     struct Resolver;
@@ -97,7 +97,7 @@ struct DatabaseData {
 
 /// What the drawing layer itself does with objects beyond their public operations.
 struct ObjectAccess {
-    static void setStub(OdDbObject& object, Stub* stub) { object.m_stub = stub; }
+    static void setNode(OdDbObject& object, Node* node) { object.m_node = node; }
     static void setOpenForWrite(OdDbObject& object, bool write) {
         if (write)
             object.m_flags |= OdDbObject::kWriteEnabled;
@@ -109,10 +109,10 @@ struct ObjectAccess {
     static void setRefs(OdDbObject& object, unsigned refs) { object.m_refs = refs; }
     static unsigned refs(const OdDbObject& object) { return object.m_refs; }
     static void setName(OdDbSymbolTableRecord& record, const OdString& name) { record.m_name = name; }
-    static void enterName(OdDbSymbolTable& table, const OdString& name, Stub* stub);
-    static void leaveName(OdDbSymbolTable& table, const OdString& name, Stub* stub);
-    static Stub* findName(const OdDbSymbolTable& table, const OdString& name);
-    static std::vector<Stub*>& references(OdDbBlockTableRecord& block) { return block.m_references; }
+    static void enterName(OdDbSymbolTable& table, const OdString& name, Node* node);
+    static void leaveName(OdDbSymbolTable& table, const OdString& name, Node* node);
+    static Node* findName(const OdDbSymbolTable& table, const OdString& name);
+    static std::vector<Node*>& references(OdDbBlockTableRecord& block) { return block.m_references; }
     static OdDbObjectId& layerOf(OdDbEntity& entity) { return entity.m_layer; }
     static std::vector<OdSmartPtr<OdDbAttribute>>* outsideAttributes(const OdDbBlockReference& reference) {
         return reference.m_outside.get();
@@ -121,7 +121,7 @@ struct ObjectAccess {
 
 /// Makes an object resident under an owner: entry, handle, applications of its extended data, and whatever
 /// its class does then. The object is left write-enabled.
-Stub* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Stub* owner, bool asPart);
+Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart);
 
 /// Enters an application id that the table lacks; the silent registration of extended data.
 void registerApplication(DatabaseData& data, const OdString& name);

@@ -8,29 +8,29 @@ namespace lm::drawing {
 namespace {
 
 /// A table without records.
-Stub* makeTable(DatabaseData& data) {
+Node* makeTable(DatabaseData& data) {
     auto* table = new OdDbSymbolTable();
-    Stub* const stub = data.adopt(table, kKindTable);
+    Node* const node = data.adopt(table, kKindTable);
     ObjectAccess::setRefs(*table, 0);
-    return stub;
+    return node;
 }
 
 template<class T>
-Stub* addRecord(DatabaseData& data, Stub* table, std::uint16_t kind, std::string_view name) {
+Node* addRecord(DatabaseData& data, Node* table, std::uint16_t kind, std::string_view name) {
     auto* record = new T();
     const OdString text = odText(name);
     ObjectAccess::setName(*record, text);
-    Stub* const stub = data.adopt(record, kind);
-    stub->flags |= Stub::kTableRecord;
-    table->appendPart(stub);
-    ObjectAccess::enterName(*static_cast<OdDbSymbolTable*>(data.bodyOf(table)), text, stub);
+    Node* const node = data.adopt(record, kind);
+    node->flags |= Node::kTableRecord;
+    table->appendPart(node);
+    ObjectAccess::enterName(*static_cast<OdDbSymbolTable*>(data.bodyOf(table)), text, node);
     ObjectAccess::setRefs(*record, 0);
-    return stub;
+    return node;
 }
 
-Stub* findNoCase(DatabaseData& data, Stub* table, std::string_view name) {
+Node* findNoCase(DatabaseData& data, Node* table, std::string_view name) {
     const WideString wanted = system::widen(name);
-    for (Stub* record = table->firstPart; record != nullptr; record = record->next) {
+    for (Node* record = table->firstPart; record != nullptr; record = record->next) {
         const auto* body = static_cast<OdDbSymbolTableRecord*>(data.bodyOf(record));
         if (system::equalsNoCase(body->getName().view(), wanted)) return record;
     }
@@ -42,7 +42,7 @@ class Completion {
 public:
     Completion(DatabaseData& data, bool report) : m_data(data), m_report(report) {}
 
-    void table(Stub*& table, const char* name) {
+    void table(Node*& table, const char* name) {
         if (table != nullptr) return;
         table = makeTable(m_data);
         if (m_report)
@@ -50,7 +50,7 @@ public:
     }
 
     template<class T>
-    void record(Stub*& record, Stub* table, std::uint16_t kind, const char* name) {
+    void record(Node*& record, Node* table, std::uint16_t kind, const char* name) {
         if (record == nullptr) record = findNoCase(m_data, table, name);
         if (record == nullptr) record = addRecord<T>(m_data, table, kind, name);
     }
@@ -72,7 +72,7 @@ void completeDefaults(DatabaseData& data, bool report) {
     make.table(f.viewTable, "VIEW");
     make.table(f.appTable, "APPID");
     make.table(f.blockTable, "BLOCK_RECORD");
-    Stub* activeViewport = nullptr;
+    Node* activeViewport = nullptr;
     make.record<OdDbViewportTableRecord>(activeViewport, f.viewportTable, kKindVport, "*Active");
     make.record<OdDbLinetypeTableRecord>(f.byBlock, f.linetypeTable, kKindLtype, "ByBlock");
     make.record<OdDbLinetypeTableRecord>(f.byLayer, f.linetypeTable, kKindLtype, "ByLayer");

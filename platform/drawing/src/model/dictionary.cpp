@@ -4,7 +4,7 @@
 #include "base/rxclass.h"
 #include "model/databasedata.h"
 
-using lm::drawing::Stub;
+using lm::drawing::Node;
 
 LM_RX_DEFINE_ABSTRACT(OdDbDictionaryIterator, OdRxObject)
 LM_RX_DEFINE(OdDbDictionary, OdDbObject)

@@ -4,7 +4,7 @@
 #include "base/rxclass.h"
 #include "model/databasedata.h"
 
-using lm::drawing::Stub;
+using lm::drawing::Node;
 
 LM_RX_DEFINE_ABSTRACT(OdDbObjectIterator, OdRxObject)
 LM_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject)
@@ -16,15 +16,15 @@ const OdString kLayerZero = lm::drawing::odText("0");
 
 const OdString& OdDbEntity::layer() const {
     if (!m_layer.isValid()) return kLayerZero;
-    OdDbObject* record = m_layer.stub()->body;
-    if (record == nullptr) record = m_layer.database()->data().bodyOf(m_layer.stub());
+    OdDbObject* record = m_layer.node()->body;
+    if (record == nullptr) record = m_layer.database()->data().bodyOf(m_layer.node());
     return static_cast<OdDbSymbolTableRecord*>(record)->getName();
 }
 
 void OdDbEntity::setLayer(const OdString& name) {
     OdDbDatabase* const db = database();
     if (db == nullptr) throw OdError(eNotInDatabase);
-    Stub* const found = db->data().tableRecord(db->data().fixed.layerTable, name);
+    Node* const found = db->data().tableRecord(db->data().fixed.layerTable, name);
     if (found == nullptr) throw OdError(eKeyNotFound);
     beginChange();
     m_layer = OdDbObjectId(found);

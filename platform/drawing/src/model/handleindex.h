@@ -3,7 +3,9 @@
 // few that lie far out stand in a hash table, so that a wild handle in a file costs no memory.
 #pragma once
 
-#include "model/stub.h"
+#include "model/node.h"
+
+#include "drawing/database.h"
 
 #include <unordered_map>
 
@@ -11,7 +13,10 @@ namespace lm::drawing {
 
 class HandleIndex {
 public:
-    Stub* find(std::uint64_t handle) const noexcept {
+    /// `shown` is kept as a view of the plain array, for look-ups that can't afford a call.
+    explicit HandleIndex(DenseHandles& shown) : m_shown(shown) {}
+
+    Node* find(std::uint64_t handle) const noexcept {
         if (handle < m_dense.size()) return m_dense[handle];
         if (m_far.empty()) return nullptr;
         const auto found = m_far.find(handle);
@@ -22,13 +27,13 @@ public:
         m_objects = objects;
         if (highest < limit()) widen(static_cast<std::size_t>(highest) + 1 + kSpare);
     }
-    void insert(std::uint64_t handle, Stub* stub) {
+    void insert(std::uint64_t handle, Node* node) {
         if (handle >= m_dense.size() && handle < limit())
             widen(static_cast<std::size_t>(handle) + 1 + kSpare + m_dense.size() / 2);
         if (handle < m_dense.size())
-            m_dense[static_cast<std::size_t>(handle)] = stub;
+            m_dense[static_cast<std::size_t>(handle)] = node;
         else
-            m_far[handle] = stub;
+            m_far[handle] = node;
         ++m_objects;
     }
 
@@ -37,6 +42,7 @@ private:
     /// Makes the array longer; handles that lay far out until now and lie inside it then move over.
     void widen(std::size_t size) {
         m_dense.resize(size, nullptr);
+        m_shown = {m_dense.data(), m_dense.size()};
         for (auto at = m_far.begin(); at != m_far.end();) {
             if (at->first >= size) {
                 ++at;
@@ -48,8 +54,9 @@ private:
     }
     std::uint64_t limit() const noexcept { return 65536 + 8 * static_cast<std::uint64_t>(m_objects); }
 
-    std::vector<Stub*> m_dense;
-    std::unordered_map<std::uint64_t, Stub*> m_far;
+    DenseHandles& m_shown;
+    std::vector<Node*> m_dense;
+    std::unordered_map<std::uint64_t, Node*> m_far;
     std::size_t m_objects = 0;
 };
 

@@ -11,7 +11,7 @@ namespace {
 /// Parts of a resident owner. SEQEND entries close a list in files and are no parts to anybody else.
 class ResidentWalk final : public OdDbObjectIterator {
 public:
-    explicit ResidentWalk(Stub* owner) : m_owner(owner) {}
+    explicit ResidentWalk(Node* owner) : m_owner(owner) {}
 
     void start(bool, bool skipErased) override {
         m_at = m_owner->firstPart;
@@ -37,8 +37,8 @@ private:
             m_at = m_at->next;
         fetchAhead(m_at);
     }
-    Stub* m_owner;
-    Stub* m_at = nullptr;
+    Node* m_owner;
+    Node* m_at = nullptr;
 };
 
 /// Attributes of a reference outside a database.
@@ -77,33 +77,33 @@ private:
 
 OdDbBlockTableRecord* recordOf(OdDbObjectId block) {
     if (!block.isValid()) return nullptr;
-    return OdDbBlockTableRecord::cast(block.database()->data().bodyOf(block.stub()));
+    return OdDbBlockTableRecord::cast(block.database()->data().bodyOf(block.node()));
 }
 
 } // namespace
 
-OdSmartPtr<OdDbObjectIterator> partsOf(Stub* owner) {
+OdSmartPtr<OdDbObjectIterator> partsOf(Node* owner) {
     OdSmartPtr<OdDbObjectIterator> walk(new ResidentWalk(owner), kAttach);
     walk->start();
     return walk;
 }
 
 OdSmartPtr<OdDbObjectIterator> attributesOf(const OdDbBlockReference& reference) {
-    if (reference.isDBRO()) return partsOf(reference.objectId().stub());
+    if (reference.isDBRO()) return partsOf(reference.objectId().node());
     OdSmartPtr<OdDbObjectIterator> walk(new OutsideWalk(reference), kAttach);
     walk->start();
     return walk;
 }
 
-void addReference(OdDbObjectId block, Stub* reference) {
+void addReference(OdDbObjectId block, Node* reference) {
     if (OdDbBlockTableRecord* record = recordOf(block))
         ObjectAccess::references(*record).push_back(reference);
 }
 
-void removeReference(OdDbObjectId block, Stub* reference) {
+void removeReference(OdDbObjectId block, Node* reference) {
     OdDbBlockTableRecord* const record = recordOf(block);
     if (record == nullptr) return;
-    std::vector<Stub*>& all = ObjectAccess::references(*record);
+    std::vector<Node*>& all = ObjectAccess::references(*record);
     const auto found = std::find(all.rbegin(), all.rend(), reference);
     if (found != all.rend()) all.erase(std::next(found).base());
 }

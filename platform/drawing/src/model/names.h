@@ -3,7 +3,7 @@
 // whether two names are the same stands here.
 #pragma once
 
-#include "model/stub.h"
+#include "model/node.h"
 
 #include "drawing/symboltable.h"
 
@@ -25,20 +25,20 @@ struct WideSame {
 /// From name to entry, exactly by unit. A key is a view into the text that the map holds beside it.
 class NameMap {
 public:
-    Stub* find(WideView name) const {
+    Node* find(WideView name) const {
         const auto found = m_entries.find(name);
-        return found == m_entries.end() ? nullptr : found->second.stub;
+        return found == m_entries.end() ? nullptr : found->second.node;
     }
-    void set(const OdString& name, Stub* stub) {
+    void set(const OdString& name, Node* node) {
         m_entries.erase(name.view());
-        m_entries.emplace(name.view(), Entry{name, stub});
+        m_entries.emplace(name.view(), Entry{name, node});
     }
     void remove(WideView name) { m_entries.erase(name); }
 
 private:
     struct Entry {
         OdString name;
-        Stub* stub;
+        Node* node;
     };
     std::unordered_map<WideView, Entry, WideHash, WideSame> m_entries;
 };

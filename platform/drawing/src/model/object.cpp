@@ -9,8 +9,8 @@
 #include <unordered_map>
 
 using lm::drawing::DatabaseData;
+using lm::drawing::Node;
 using lm::drawing::ObjectAccess;
-using lm::drawing::Stub;
 
 LM_RX_DEFINE_ABSTRACT(OdDbObject, OdRxObject)
 LM_RX_DEFINE(OdDbUnreadObject, OdDbObject)
@@ -18,25 +18,25 @@ LM_RX_DEFINE(OdDbUnreadObject, OdDbObject)
 const OdDbObjectId OdDbObjectId::kNull;
 
 bool OdDbObjectId::isValid() const noexcept {
-    return m_stub != nullptr && m_stub->database() != nullptr;
+    return m_node != nullptr && m_node->database() != nullptr;
 }
 
 bool OdDbObjectId::isErased() const noexcept {
-    return isValid() && m_stub->isErased();
+    return isValid() && m_node->isErased();
 }
 
 OdDbDatabase* OdDbObjectId::database() const noexcept {
-    return m_stub != nullptr ? m_stub->database() : nullptr;
+    return m_node != nullptr ? m_node->database() : nullptr;
 }
 
 OdDbHandle OdDbObjectId::getHandle() const noexcept {
-    return OdDbHandle(m_stub != nullptr ? m_stub->handle : 0);
+    return OdDbHandle(m_node != nullptr ? m_node->handle : 0);
 }
 
 OdSmartPtr<OdDbObject> OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
-    if (!isValid() || (m_stub->isErased() && !openErased)) return {};
-    OdDbObject* body = m_stub->body;
-    if (body == nullptr) body = m_stub->database()->data().bodyOf(m_stub);
+    if (!isValid() || (m_node->isErased() && !openErased)) return {};
+    OdDbObject* body = m_node->body;
+    if (body == nullptr) body = m_node->database()->data().bodyOf(m_node);
     if (mode == OdDb::kForWrite) ObjectAccess::setOpenForWrite(*body, true);
     return OdSmartPtr<OdDbObject>(body);
 }
@@ -53,11 +53,11 @@ OdDbObject::OdDbObject(const OdDbObject& other) : OdRxObject(other), m_flags(kNe
 OdDbObject::~OdDbObject() = default;
 
 OdDbObjectId OdDbObject::ownerId() const {
-    return OdDbObjectId(m_stub != nullptr && m_stub->database() != nullptr ? m_stub->owner : nullptr);
+    return OdDbObjectId(m_node != nullptr && m_node->database() != nullptr ? m_node->owner : nullptr);
 }
 
 void OdDbObject::lastReleased() {
-    if (m_stub == nullptr) {
+    if (m_node == nullptr) {
         delete this;
         return;
     }
@@ -65,7 +65,7 @@ void OdDbObject::lastReleased() {
 }
 
 void OdDbObject::upgradeOpen() {
-    if (m_stub != nullptr) m_flags |= kWriteEnabled;
+    if (m_node != nullptr) m_flags |= kWriteEnabled;
 }
 
 void OdDbObject::downgradeOpen() {
@@ -74,13 +74,13 @@ void OdDbObject::downgradeOpen() {
 
 void OdDbObject::assertWriteEnabled(bool, bool recordModified) {
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
-    if (m_stub == nullptr || !recordModified) return;
+    if (m_node == nullptr || !recordModified) return;
     m_flags |= kModified;
-    m_stub->flags |= Stub::kDirty;
+    m_node->flags |= Node::kDirty;
 }
 
 OdResult OdDbObject::erase(bool erasing) {
-    if (m_stub == nullptr) {
+    if (m_node == nullptr) {
         if (erasing)
             m_flags |= kErasedOutside;
         else
@@ -89,19 +89,19 @@ OdResult OdDbObject::erase(bool erasing) {
     }
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
     if (erasing)
-        m_stub->flags |= Stub::kErased;
+        m_node->flags |= Node::kErased;
     else
-        m_stub->flags &= static_cast<std::uint8_t>(~Stub::kErased);
+        m_node->flags &= static_cast<std::uint8_t>(~Node::kErased);
     return eOk;
 }
 
 bool OdDbObject::isErased() const {
-    return m_stub != nullptr ? m_stub->isErased() : (m_flags & kErasedOutside) != 0;
+    return m_node != nullptr ? m_node->isErased() : (m_flags & kErasedOutside) != 0;
 }
 
 OdString OdDbObject::dxfName() const {
-    if (m_stub == nullptr || m_stub->database() == nullptr) return OdString();
-    return lm::drawing::odText(m_stub->database()->data().kinds.name(m_stub->kind));
+    if (m_node == nullptr || m_node->database() == nullptr) return OdString();
+    return lm::drawing::odText(m_node->database()->data().kinds.name(m_node->kind));
 }
 
 OdRxObject* OdDbObject::clone() const {
@@ -110,17 +110,20 @@ OdRxObject* OdDbObject::clone() const {
 
 const std::vector<OdDbObject::XData>& OdDbObject::allXData() const {
     static const std::vector<XData> kNone;
-    if (m_stub != nullptr && (m_flags & kXDataRead) == 0) {
+    if (m_node != nullptr && (m_flags & kXDataRead) == 0) {
         m_flags |= kXDataRead;
         auto read = std::make_unique<std::vector<XData>>();
-        // Keys lie in the texts of the entries. Files may name thousands of ids, or one id thousands of times.
-        std::unordered_map<lm::WideView, OdSmartPtr<OdResBuf>, lm::drawing::WideHash, lm::drawing::WideSame> tails;
-        lm::drawing::readXData(*m_stub, [&](const OdString& application, OdSmartPtr<OdResBuf> chain) {
+        // Keys lie in the texts of the entries. Files may name thousands of ids, or one id thousands of
+        // times.
+        std::unordered_map<lm::WideView, OdSmartPtr<OdResBuf>, lm::drawing::WideHash, lm::drawing::WideSame>
+            tails;
+        lm::drawing::readXData(*m_node, [&](const OdString& application, OdSmartPtr<OdResBuf> chain) {
             const OdSmartPtr<OdResBuf> tail = chain->last();
             const auto [known, isNew] = tails.try_emplace(application.view(), tail);
             if (isNew) {
                 read->push_back({application, chain});
-            } else if (tail.get() != chain.get()) { // the data of an id that is named again goes on: one id, one chain
+            } else if (tail.get() !=
+                       chain.get()) { // the data of an id that is named again goes on: one id, one chain
                 known->second->setNext(chain->next());
                 known->second = tail;
             }
@@ -186,7 +189,7 @@ void OdDbObject::storeXData(OdSmartPtr<OdResBuf> chain, bool keepLone) {
             entry->chain = head;
         else
             all.push_back({application, head});
-        if (m_stub != nullptr) lm::drawing::registerApplication(database()->data(), application);
+        if (m_node != nullptr) lm::drawing::registerApplication(database()->data(), application);
     }
 }
 
@@ -194,23 +197,23 @@ namespace lm::drawing {
 
 void ObjectAccess::detachFromDatabase(OdDbObject& object) {
     object.allXData();
-    object.m_stub = nullptr;
+    object.m_node = nullptr;
 }
 
-Stub* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Stub* owner, bool asPart) {
+Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart) {
     if (object.isDBRO()) throw OdError(eAlreadyInDatabase);
     const bool erased = object.isErased();
-    Stub* const stub = data.adopt(&object, kind);
-    if (erased) stub->flags |= Stub::kErased;
+    Node* const node = data.adopt(&object, kind);
+    if (erased) node->flags |= Node::kErased;
     if (asPart)
-        owner->appendPart(stub);
+        owner->appendPart(node);
     else
-        stub->owner = owner;
+        node->owner = owner;
     object.m_flags |= OdDbObject::kWriteEnabled | OdDbObject::kModified | OdDbObject::kXDataRead;
     if (object.m_xdata)
         for (const auto& entry : *object.m_xdata) registerApplication(data, entry.application);
     ObjectAccess::becomeResident(object);
-    return stub;
+    return node;
 }
 
 } // namespace lm::drawing

@@ -6,18 +6,49 @@
 
 namespace lm::drawing {
 
-PartWalk::PartWalk(OdDbObjectId owner) noexcept : m_at(owner.isValid() ? owner.stub()->firstPart : nullptr) {
+namespace {
+// In entities. The memory answers a request about as late as a walk needs for a few references.
+constexpr int kNodesAhead = 12;
+constexpr int kTagsAhead = 6;
+} // namespace
+
+PartWalk::PartWalk(OdDbObjectId owner) noexcept : m_at(owner.isValid() ? owner.node()->firstPart : nullptr) {
+    m_nodes = m_tags = m_at;
+    for (int i = 0; i < kNodesAhead && m_nodes != nullptr; ++i) {
+        fetchNodesOf(*m_nodes);
+        m_nodes = m_nodes->next;
+        if (i < kTagsAhead) {
+            fetchTagsOf(*m_tags);
+            m_tags = m_tags->next;
+        }
+    }
     skip();
+}
+
+PartWalk PartWalk::parts() const noexcept {
+    PartWalk walk;
+    walk.m_at = m_at->firstPart;
+    walk.skip();
+    return walk;
 }
 
 void PartWalk::next() noexcept {
     m_at = m_at->next;
+    if (m_tags != nullptr) lookAhead();
     skip();
+}
+
+void PartWalk::lookAhead() noexcept {
+    if (m_nodes != nullptr) {
+        fetchNodesOf(*m_nodes);
+        m_nodes = m_nodes->next;
+    }
+    fetchTagsOf(*m_tags);
+    m_tags = m_tags->next;
 }
 
 void PartWalk::skip() noexcept {
     while (m_at != nullptr && (m_at->kind == kKindSeqend || m_at->isErased())) m_at = m_at->next;
-    fetchAhead(m_at);
 }
 
 bool PartWalk::isReference() const noexcept {

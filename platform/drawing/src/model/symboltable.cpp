@@ -6,8 +6,8 @@
 #include "model/iterators.h"
 #include "model/names.h"
 
+using lm::drawing::Node;
 using lm::drawing::ObjectAccess;
-using lm::drawing::Stub;
 
 LM_RX_DEFINE_ABSTRACT(OdDbSymbolTableIterator, OdRxObject)
 LM_RX_DEFINE_ABSTRACT(OdDbSymbolTable, OdDbObject)
@@ -22,7 +22,7 @@ LM_RX_DEFINE(OdDbViewportTableRecord, OdDbAbstractViewTableRecord)
 LM_RX_DEFINE(OdDbUnreadTableRecord, OdDbSymbolTableRecord)
 LM_RX_DEFINE(OdDbBlockTableRecord, OdDbSymbolTableRecord)
 
-OdDbSymbolTableIterator::OdDbSymbolTableIterator(Stub* table) : m_table(table) {
+OdDbSymbolTableIterator::OdDbSymbolTableIterator(Node* table) : m_table(table) {
     start();
 }
 
@@ -54,7 +54,7 @@ OdDbSymbolTable::OdDbSymbolTable() : m_names(std::make_unique<Names>()) {}
 OdDbSymbolTable::~OdDbSymbolTable() = default;
 
 OdDbObjectId OdDbSymbolTable::getAt(const OdString& name) const {
-    Stub* const found = m_names->map.find(name.view());
+    Node* const found = m_names->map.find(name.view());
     return OdDbObjectId(found != nullptr && !found->isErased() ? found : nullptr);
 }
 
@@ -70,18 +70,18 @@ OdDbObjectId OdDbSymbolTable::add(OdSmartPtr<OdDbSymbolTableRecord> record) {
     if (record->isDBRO()) throw OdError(eAlreadyInDatabase);
     if (!isDBRO()) throw OdError(eNotInDatabase);
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
-    Stub* const table = objectId().stub();
-    Stub* const entry = lm::drawing::makeResident(database()->data(), *record.get(),
+    Node* const table = objectId().node();
+    Node* const entry = lm::drawing::makeResident(database()->data(), *record.get(),
                                                   lm::drawing::recordKind(*record.get()), table, true);
-    entry->flags |= Stub::kTableRecord;
-    table->flags |= Stub::kDirty;
+    entry->flags |= Node::kTableRecord;
+    table->flags |= Node::kDirty;
     m_names->map.set(record->getName(), entry);
     return OdDbObjectId(entry);
 }
 
 OdSmartPtr<OdDbSymbolTableIterator> OdDbSymbolTable::newIterator() const {
     if (!isDBRO()) throw OdError(eNotInDatabase);
-    return OdSmartPtr<OdDbSymbolTableIterator>(new OdDbSymbolTableIterator(objectId().stub()),
+    return OdSmartPtr<OdDbSymbolTableIterator>(new OdDbSymbolTableIterator(objectId().node()),
                                                lm::drawing::kAttach);
 }
 
@@ -97,15 +97,15 @@ std::uint16_t recordKind(const OdDbSymbolTableRecord& record) {
     return kKindView;
 }
 
-void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Stub* stub) {
-    table.m_names->map.set(name, stub);
+void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    table.m_names->map.set(name, node);
 }
 
-void ObjectAccess::leaveName(OdDbSymbolTable& table, const OdString& name, Stub* stub) {
-    if (table.m_names->map.find(name.view()) == stub) table.m_names->map.remove(name.view());
+void ObjectAccess::leaveName(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    if (table.m_names->map.find(name.view()) == node) table.m_names->map.remove(name.view());
 }
 
-Stub* ObjectAccess::findName(const OdDbSymbolTable& table, const OdString& name) {
+Node* ObjectAccess::findName(const OdDbSymbolTable& table, const OdString& name) {
     return table.m_names->map.find(name.view());
 }
 
@@ -115,14 +115,14 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
     if (name.isEmpty()) throw OdError(eInvalidKey);
     OdDbSymbolTable* table = nullptr;
     if (isDBRO()) {
-        table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().stub()->owner));
+        table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().node()->owner));
         const OdDbObjectId there = table->getAt(name);
         if (!there.isNull() && there != objectId()) throw OdError(eDuplicateKey);
     }
     beginChange();
     if (table != nullptr) {
-        ObjectAccess::leaveName(*table, m_name, objectId().stub());
-        ObjectAccess::enterName(*table, name, objectId().stub());
+        ObjectAccess::leaveName(*table, m_name, objectId().node());
+        ObjectAccess::enterName(*table, name, objectId().node());
     }
     m_name = name;
 }
@@ -130,10 +130,10 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
 OdResult OdDbSymbolTableRecord::erase(bool erasing) {
     if (isDBRO() && !erasing) {
         if (!isWriteEnabled()) throw OdError(eNotOpenForWrite); // before the names of the table change
-        auto* table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().stub()->owner));
+        auto* table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().node()->owner));
         const OdDbObjectId there = table->getAt(m_name);
         if (!there.isNull() && there != objectId()) return eDuplicateKey;
-        ObjectAccess::enterName(*table, m_name, objectId().stub());
+        ObjectAccess::enterName(*table, m_name, objectId().node());
     }
     return OdDbObject::erase(erasing);
 }
@@ -170,22 +170,22 @@ void OdDbLayerTableRecord::setLinetypeObjectId(OdDbObjectId id) {
 
 namespace {
 
-bool standsOnLayer(Stub* entity, OdDbObjectId layer) {
+bool standsOnLayer(Node* entity, OdDbObjectId layer) {
     if (!entity->isErased()) {
         const auto* body = OdDbEntity::cast(entity->database()->data().bodyOf(entity));
         if (body != nullptr && body->layerId() == layer) return true;
     }
-    for (Stub* part = entity->firstPart; part != nullptr; part = part->next)
+    for (Node* part = entity->firstPart; part != nullptr; part = part->next)
         if (!entity->isErased() && standsOnLayer(part, layer)) return true;
     return false;
 }
 
 bool isLayerUsed(OdDbDatabase& db, OdDbObjectId layer) {
-    Stub* const blocks = db.data().fixed.blockTable;
+    Node* const blocks = db.data().fixed.blockTable;
     if (blocks == nullptr) return false;
-    for (Stub* block = blocks->firstPart; block != nullptr; block = block->next) {
+    for (Node* block = blocks->firstPart; block != nullptr; block = block->next) {
         if (block->isErased()) continue;
-        for (Stub* entity = block->firstPart; entity != nullptr; entity = entity->next)
+        for (Node* entity = block->firstPart; entity != nullptr; entity = entity->next)
             if (standsOnLayer(entity, layer)) return true;
     }
     return false;
@@ -237,7 +237,7 @@ bool OdDbBlockTableRecord::isAnonymous() const {
 
 OdSmartPtr<OdDbObjectIterator> OdDbBlockTableRecord::newIterator(bool atBeginning, bool skipErased) const {
     if (!isDBRO()) throw OdError(eNotInDatabase);
-    OdSmartPtr<OdDbObjectIterator> walk = lm::drawing::partsOf(objectId().stub());
+    OdSmartPtr<OdDbObjectIterator> walk = lm::drawing::partsOf(objectId().node());
     if (!skipErased) walk->start(atBeginning, false);
     return walk;
 }
@@ -246,18 +246,18 @@ OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdSmartPtr<OdDbEntity> entit
     if (!isDBRO()) throw OdError(eNotInDatabase);
     if (entity->isDBRO()) throw OdError(eAlreadyInDatabase);
     assertWriteEnabled(false, false);
-    Stub* const stub = objectId().stub();
-    stub->flags |= Stub::kDirty;
-    Stub* const entry = lm::drawing::makeResident(database()->data(), *entity.get(),
-                                                  lm::drawing::entityKind(*entity.get()), stub, true);
-    entry->flags |= Stub::kEntity;
+    Node* const node = objectId().node();
+    node->flags |= Node::kDirty;
+    Node* const entry = lm::drawing::makeResident(database()->data(), *entity.get(),
+                                                  lm::drawing::entityKind(*entity.get()), node, true);
+    entry->flags |= Node::kEntity;
     return OdDbObjectId(entry);
 }
 
 OdArray<OdDbObjectId> OdDbBlockTableRecord::getBlockReferenceIds(bool) const {
     OdArray<OdDbObjectId> ids;
     ids.reserve(static_cast<unsigned int>(m_references.size()));
-    for (Stub* const reference : m_references)
+    for (Node* const reference : m_references)
         if (reference->isLive()) ids.append(OdDbObjectId(reference));
     return ids;
 }

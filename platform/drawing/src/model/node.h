@@ -12,12 +12,12 @@ namespace lm::drawing {
 /// Entry of one object, one line of the cache. The memory of an entry is never given to anything else, not
 /// even after its database went: it then reads as zeros, so an id that is kept too long finds no database and
 /// answers as null.
-struct alignas(64) Stub {
+struct alignas(64) Node {
     OdDbObject* body = nullptr; ///< made at the first opening
-    Stub* owner = nullptr;
-    Stub* next = nullptr;      ///< the part behind this one in the owner's list
-    Stub* firstPart = nullptr; ///< parts: entities of a block, attributes of a reference, records of a table
-    Stub* lastPart = nullptr;
+    Node* owner = nullptr;
+    Node* next = nullptr;      ///< the part behind this one in the owner's list
+    Node* firstPart = nullptr; ///< parts: entities of a block, attributes of a reference, records of a table
+    Node* lastPart = nullptr;
     std::uint64_t handle = 0;
     std::uint64_t offset : 48 = 0; ///< of the object's groups in its source, behind the type name
     std::uint64_t kind : 16 = 0;   ///< index of the DXF name in the database's list of kinds
@@ -37,11 +37,11 @@ struct alignas(64) Stub {
     bool isErased() const noexcept { return has(kErased); }
     /// Neither erased itself nor below an erased owner.
     bool isLive() const noexcept {
-        for (const Stub* at = this; at != nullptr; at = at->owner)
+        for (const Node* at = this; at != nullptr; at = at->owner)
             if (at->isErased()) return false;
         return true;
     }
-    void appendPart(Stub* part) noexcept {
+    void appendPart(Node* part) noexcept {
         part->owner = this;
         part->next = nullptr;
         if (lastPart != nullptr)
@@ -54,14 +54,14 @@ struct alignas(64) Stub {
 
 /// Gives out entries in address space of its own, in pieces that begin with the database that they belong to.
 /// At the end the memory goes back to the system, the addresses stay taken and read as zeros.
-class StubArena {
+class NodeArena {
 public:
-    explicit StubArena(OdDbDatabase& database) : m_database(database) {}
-    StubArena(const StubArena&) = delete;
-    StubArena& operator=(const StubArena&) = delete;
-    ~StubArena();
+    explicit NodeArena(OdDbDatabase& database) : m_database(database) {}
+    NodeArena(const NodeArena&) = delete;
+    NodeArena& operator=(const NodeArena&) = delete;
+    ~NodeArena();
 
-    Stub* make();
+    Node* make();
     std::size_t count() const noexcept;
     /// Lets no id find the database any more; the entries stay readable until the arena goes.
     void forgetDatabase() noexcept;
@@ -69,35 +69,35 @@ public:
     template<class F>
     void forEach(F&& visit) {
         for (std::size_t p = 0; p < m_pieces.size(); ++p)
-            for (std::size_t i = 0; i < usedIn(p); ++i) visit(m_pieces[p]->stubs()[i]);
+            for (std::size_t i = 0; i < usedIn(p); ++i) visit(m_pieces[p]->nodes()[i]);
     }
 
     /// Pieces begin at multiples of their size, so an entry finds the head of its piece.
     static constexpr std::size_t kPiece = std::size_t{1} << 20;
     struct Head {
         OdDbDatabase* database;
-        Stub* stubs() { return reinterpret_cast<Stub*>(this) + 1; }
+        Node* nodes() { return reinterpret_cast<Node*>(this) + 1; }
     };
-    static constexpr std::size_t kStubs = kPiece / sizeof(Stub) - 1;
+    static constexpr std::size_t kNodes = kPiece / sizeof(Node) - 1;
 
 private:
     std::size_t usedIn(std::size_t piece) const noexcept {
-        return piece + 1 < m_pieces.size() ? kStubs : m_used;
+        return piece + 1 < m_pieces.size() ? kNodes : m_used;
     }
     void addPiece();
 
     OdDbDatabase& m_database;
     std::vector<Head*> m_pieces;
-    std::size_t m_used = kStubs; // of the last piece
+    std::size_t m_used = kNodes; // of the last piece
     char* m_reserve = nullptr;   // address space for further pieces
     std::size_t m_reserved = 0;
 };
 
-OdDbDatabase* Stub::database() const noexcept {
+OdDbDatabase* Node::database() const noexcept {
     const auto address = reinterpret_cast<std::uintptr_t>(this);
-    return reinterpret_cast<const StubArena::Head*>(address & ~(StubArena::kPiece - 1))->database;
+    return reinterpret_cast<const NodeArena::Head*>(address & ~(NodeArena::kPiece - 1))->database;
 }
 
-static_assert(sizeof(Stub) == 64);
+static_assert(sizeof(Node) == 64);
 
 } // namespace lm::drawing
