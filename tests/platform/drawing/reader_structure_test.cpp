@@ -250,8 +250,9 @@ TEST(ReaderStructure, KeepsEntriesThatItDoesntRead) {
 }
 
 TEST(ReaderStructure, EndsASectionWithoutItsMarkAtTheNextOne) {
-    const std::string notation = "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 A|"
-                                 "0 LINE|8 0|0 ENDBLK|0 SECTION|2 ENTITIES|0 INSERT|8 0|2 A|0 POINT|8 0|0 EOF";
+    const std::string notation =
+        "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 A|"
+        "0 LINE|8 0|0 ENDBLK|0 SECTION|2 ENTITIES|0 INSERT|8 0|2 A|0 POINT|8 0|0 EOF";
     inBothForms(notation, [](OdDbDatabase& db) {
         EXPECT_EQ(countIn(db), 2u) << "a section must not swallow the next one";
         EXPECT_EQ(db.report().count(lm::drawing::Defect::kMissingEnd), 2u) << reportOf(db);
@@ -259,9 +260,10 @@ TEST(ReaderStructure, EndsASectionWithoutItsMarkAtTheNextOne) {
 }
 
 TEST(ReaderStructure, TakesCommentsWherePeopleWriteThem) {
-    const std::string notation = "999 first|0 SECTION|999 before the name|2 TABLES|999 in front|0 TABLE|2 LAYER|70 1|"
-                                 "0 LAYER|2 A|70 0|62 7|6 CONTINUOUS|0 ENDTAB|999 behind a table|0 ENDSEC|999 between|"
-                                 "0 SECTION|2 ENTITIES|999 at the start|0 POINT|8 A|999 inside|10 1.0|0 ENDSEC|0 EOF";
+    const std::string notation =
+        "999 first|0 SECTION|999 before the name|2 TABLES|999 in front|0 TABLE|2 LAYER|70 1|"
+        "0 LAYER|2 A|70 0|62 7|6 CONTINUOUS|0 ENDTAB|999 behind a table|0 ENDSEC|999 between|"
+        "0 SECTION|2 ENTITIES|999 at the start|0 POINT|8 A|999 inside|10 1.0|0 ENDSEC|0 EOF";
     inBothForms(notation, [](OdDbDatabase& db) {
         EXPECT_EQ(countIn(db), 1u);
         EXPECT_EQ(namesOf(db.getLayerTableId()), (Names{"A", "0"}));
@@ -280,13 +282,15 @@ TEST(ReaderStructure, PassesOverBlanksBehindTheLastSection) {
 }
 
 TEST(ReaderStructure, TakesTheMarkOfPaperSpaceBehindTheLayerInR12) {
-    inBothForms("0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 POINT|8 0|67 1|0 POINT|8 0|"
-                "0 ENDSEC|0 EOF",
-                [](OdDbDatabase& db) { EXPECT_EQ(countIn(db), 1u); });
+    inBothForms(
+        "0 SECTION|2 HEADER|9 $ACADVER|1 AC1009|0 ENDSEC|0 SECTION|2 ENTITIES|0 POINT|8 0|67 1|0 POINT|8 0|"
+        "0 ENDSEC|0 EOF",
+        [](OdDbDatabase& db) { EXPECT_EQ(countIn(db), 1u); });
 }
 
 TEST(DatabaseLifeTest, OpensMoreDrawingsThanTheSystemHasMappings) {
-    // The system knows some 65,000 mappings of a process; addresses of old ids stay taken, but never as one each.
+    // The system knows some 65,000 mappings of a process; addresses of old ids stay taken, but never as one
+    // each.
     constexpr int kMany = 70000;
     OdDbObjectId old;
     for (int i = 0; i < kMany; ++i) {

@@ -50,6 +50,10 @@ public:
     friend bool operator<(const OdString& a, const OdString& b) { return a.compare(b) < 0; }
     friend LM_DRAWING_API OdString operator+(const OdString& a, const OdString& b);
 
+    /// Where the text lies, null for the empty text: to tell copies apart, and for the memory to be asked for
+    /// it.
+    const void* buffer() const noexcept { return m_data; }
+
 private:
     struct Data;
     mutable Data* m_data; // null for the empty text

@@ -45,6 +45,7 @@ void PartWalk::lookAhead() noexcept {
     }
     fetchTagsOf(*m_tags);
     m_tags = m_tags->next;
+    if (m_at != nullptr && m_at->next != nullptr) fetchTextsOf(*m_at->next);
 }
 
 void PartWalk::skip() noexcept {
