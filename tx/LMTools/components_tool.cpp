@@ -47,22 +47,34 @@ Component placed(CICad& cad, const OdSmartPtr<OdDbBlockReference>& reference, co
         attributesOf(cad, reference, true)};
 }
 
+/// Deletes a block of a search with its records: the block owns none, and each of its tags names one.
+void releaseBlock(CEBloco* block, const CEListaAtributos& tags) {
+    std::set<CEAtributo*> records;
+    for (int i = 0; i < tags.GetSize(); ++i) records.insert(block->GetAtributo(tags.GetAt(i)->GetTag()));
+    for (CEAtributo* record : records) delete record;
+    delete block;
+}
+
 /// The components that are drawn on no page.
 std::vector<Component> virtualComponents(CICad& cad) {
+    constexpr int kLanguages = 3;
     std::vector<Component> found;
     std::set<OdDbObjectId> seen;
-    for (int language = 1; language <= 3; ++language) {
+    for (int language = 1; language <= kLanguages; ++language) {
         const std::unique_ptr<std::map<lm::WideString, CEBloco*>> blocks(
             cad.BuscarBlocosVirtuais("*", CMensagem::getAttTag(language)));
         if (blocks == nullptr) continue;
-        for (const auto& [key, raw] : *blocks) {
-            const std::unique_ptr<CEBloco> block(raw);
+        for (const auto& [key, block] : *blocks) {
             const RZID id = block->GetObjectId();
-            CEListaAtributos* list = nullptr;
-            if (!seen.insert(id).second || cad.SearchAttributesVirtual(id, list) != 0) continue;
-            found.push_back({static_cast<OdDbHandle>(id).ascii(), block->GetNome(), OdString(),
+            const RZString name = block->GetNome();
+            CEListaAtributos* read = nullptr;
+            cad.SearchAttributesVirtual(id, read);
+            AttributeList list(read != nullptr ? read : new CEListaAtributos());
+            releaseBlock(block, *list);
+            if (!seen.insert(id).second) continue;
+            found.push_back({static_cast<OdDbHandle>(id).ascii(), name, OdString(),
                              valueOf(cad.SearchAttributeVirtualTag(id)),
-                             valueOf(cad.SearchAttributeVirtualNumber(id)), AttributeList(list)});
+                             valueOf(cad.SearchAttributeVirtualNumber(id)), std::move(list)});
         }
     }
     return found;
