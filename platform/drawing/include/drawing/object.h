@@ -76,6 +76,11 @@ public:
     }
     long numRefs() const override { return static_cast<long>(m_refs); }
 
+    // Objects lie close together in large pages, which walks over large drawings live on.
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* memory, std::size_t size) noexcept;
+
 protected:
     OdDbObject() = default;
     /// A copy outside any database, extended data included.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "drawing/alloc.h"
 
+#include "base/objectmemory.h"
+
 #include <atomic>
 #include <cstdlib>
 
@@ -9,24 +11,32 @@ namespace {
 std::atomic<std::size_t> g_live{0};
 std::atomic<long> g_failAfter{-1};
 
-bool failsNow() {
+} // namespace
+
+namespace lm::drawing {
+
+bool allocationFailsNow() noexcept {
     long left = g_failAfter.load(std::memory_order_relaxed);
     if (left < 0) return false;
     return g_failAfter.fetch_sub(1) == 0;
 }
 
-} // namespace
+void countBlock(bool alive) noexcept {
+    g_live.fetch_add(alive ? 1 : std::size_t(0) - 1, std::memory_order_relaxed);
+}
+
+} // namespace lm::drawing
 
 void* odrxAlloc(std::size_t size) noexcept {
-    if (failsNow()) return nullptr;
+    if (lm::drawing::allocationFailsNow()) return nullptr;
     void* const block = std::malloc(size != 0 ? size : 1);
-    if (block != nullptr) g_live.fetch_add(1, std::memory_order_relaxed);
+    if (block != nullptr) lm::drawing::countBlock(true);
     return block;
 }
 
 void odrxFree(void* block) noexcept {
     if (block == nullptr) return;
-    g_live.fetch_sub(1, std::memory_order_relaxed);
+    lm::drawing::countBlock(false);
     std::free(block);
 }
 

@@ -7,7 +7,6 @@
 #include "model/names.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace lm::drawing {
 
@@ -106,15 +105,21 @@ private:
             giveHandle(*node);
             report(Defect::kDoubledHandle, *node, hex(old) + " became " + hex(node->handle));
         }
+        giveMissingHandles();
+    }
+
+    void giveMissingHandles() {
         // Older files needn't have handles at all, so one that is missing there is no defect.
         const bool expected = m_data.version >= kFirstHandleVersion;
-        for (const HandleFault& fault : m_scanned.handleFaults) {
-            giveHandle(*fault.node);
-            if (expected || fault.defect == Defect::kBadHandle)
-                report(fault.defect, *fault.node,
-                       (fault.found.empty() ? "" : "\"" + fault.found + "\" ") +
-                           ("became " + hex(fault.node->handle)));
-        }
+        auto bad = m_scanned.badHandles.begin();
+        m_data.nodes.forEach([&](Node& node) {
+            if (node.handle != 0) return;
+            giveHandle(node);
+            if (bad != m_scanned.badHandles.end() && bad->node == &node)
+                report(Defect::kBadHandle, node, "\"" + bad++->found + "\" became " + hex(node.handle));
+            else if (expected)
+                report(Defect::kMissingHandle, node, "became " + hex(node.handle));
+        });
     }
 
     void giveHandle(Node& node) {
@@ -234,14 +239,12 @@ private:
             record.flags |= Node::kDirty;
             report(Defect::kMissingName, record, "named " + utf8(body->getName()));
         }
-        if (ObjectAccess::findName(table, body->getName()) != nullptr) {
+        if (!ObjectAccess::enterNewName(table, body->getName(), &record)) {
             // Several viewports are active side by side under one name.
             if (record.kind != kKindVport)
                 report(Defect::kDoubledName, record,
                        "\"" + utf8(body->getName()) + "\", the first one is found");
-            return;
         }
-        ObjectAccess::enterName(table, body->getName(), &record);
     }
 
     // --- blocks
@@ -283,9 +286,7 @@ private:
         node->flags |= Node::kTableRecord;
         m_data.fixed.blockTable->appendPart(node);
         OdDbSymbolTable& table = tableBody(*m_data.fixed.blockTable);
-        if (ObjectAccess::findName(table, name) == nullptr)
-            ObjectAccess::enterName(table, name, node);
-        else
+        if (!ObjectAccess::enterNewName(table, name, node))
             report(Defect::kDoubledName, *block.begin, "\"" + utf8(name) + "\", the first one is found");
         return node;
     }
@@ -295,15 +296,17 @@ private:
             m_data.fixed.blockTable = m_data.makeEntry(kKindTable);
             tableBody(*m_data.fixed.blockTable);
         }
+        ObjectAccess::expectNames(tableBody(*m_data.fixed.blockTable), m_scanned.blocks.size());
+        m_data.frames.reserve(m_scanned.blocks.size());
         for (const ScannedBlock& block : m_scanned.blocks) {
             const OdString name = blockName(block);
             if (!block.named || stripped(block.name).empty())
                 report(Defect::kMissingName, *block.begin, "named " + utf8(name));
             Node* record = findRecord(block, name);
-            if (record == nullptr || record->firstPart != nullptr || hasFrame(record))
+            if (record == nullptr || record->firstPart != nullptr || record->has(Node::kFramed))
                 record = makeRecord(block, name);
             m_data.frames.push_back({record, block.begin, block.end});
-            m_framed.insert(record);
+            record->flags |= Node::kFramed;
             readFieldsFrom(m_data, *block.begin, *m_data.bodyOf(record), blockSpec());
             moveParts(*block.begin, *record);
             block.begin->owner = record;
@@ -311,8 +314,6 @@ private:
         }
         findLayoutBlocks();
     }
-
-    bool hasFrame(Node* record) const { return m_framed.count(record) != 0; }
 
     void findLayoutBlocks() {
         const WideString model = system::widen("*Model_Space");
@@ -431,7 +432,6 @@ private:
     const ReadOptions& m_options;
     ScanResult& m_scanned;
     const Source& m_source;
-    std::unordered_set<Node*> m_framed;
     Node* m_fileDictionary = nullptr;
 };
 

@@ -5,6 +5,8 @@ namespace lm::drawing {
 
 namespace {
 
+constexpr std::size_t kRemembered = 65536;
+
 std::string folded(WideView name) {
     WideString lower(name);
     for (WideChar& unit : lower) unit = system::toLower(unit);
@@ -48,7 +50,8 @@ Node* DatabaseData::Resolver::findSlowly(Names table, std::string_view bytes) {
     Memo& memo = memos[static_cast<int>(table)];
     const auto known = memo.known.find(bytes);
     Node* const node = known != memo.known.end() ? known->second : lookUp(table, memo, bytes);
-    if (known == memo.known.end()) memo.known.emplace(bytes, node);
+    // A drawing has few names and many uses of each; one with more names gains nothing from remembering them.
+    if (known == memo.known.end() && memo.known.size() < kRemembered) memo.known.emplace(bytes, node);
     memo.lastBytes = bytes;
     memo.lastNode = node;
     return node;

@@ -325,7 +325,7 @@ private:
         node->kind = kind;
         node->offset = static_cast<std::uint64_t>(start - m_source.begin());
         node->length = static_cast<std::uint32_t>(length);
-        takeHandle(*node, head, start);
+        takeHandle(*node, head);
         return node;
     }
 
@@ -380,7 +380,7 @@ private:
         }
     }
 
-    void takeHandle(Node& node, const Head& head, const char* start) {
+    void takeHandle(Node& node, const Head& head) {
         bool bad = false;
         const std::uint64_t handle = head.hasHandle ? parseHandle(head.handle, bad) : 0;
         if (handle != 0) {
@@ -389,10 +389,8 @@ private:
             ++m_result.handled;
             return;
         }
-        const bool wrong = head.hasHandle && bad && !stripped(head.handle).empty();
-        m_result.handleFaults.push_back({&node, wrong ? Defect::kBadHandle : Defect::kMissingHandle,
-                                         static_cast<std::uint64_t>(start - m_source.begin()),
-                                         wrong ? printable(head.handle) : std::string()});
+        if (bad && !stripped(head.handle).empty())
+            m_result.badHandles.push_back({&node, printable(head.handle)});
     }
 
     DatabaseData& m_data;

@@ -38,11 +38,9 @@ struct OwnerRun {
     std::uint64_t owner = 0;
 };
 
-/// An entry whose handle needs mending, and how.
-struct HandleFault {
+/// An entry whose handle can't be read. An entry that names none has no record here: its entry shows it.
+struct BadHandle {
     Node* node = nullptr;
-    Defect defect = Defect::kMissingHandle;
-    std::uint64_t place = 0;
     std::string found;
 };
 
@@ -60,7 +58,7 @@ struct ScanResult {
     std::vector<OwnerRun> entityOwners;
     std::vector<Node*> objects;
     std::vector<std::uint64_t> objectOwners;
-    std::vector<HandleFault> handleFaults;
+    std::vector<BadHandle> badHandles;
     std::vector<UsedLayer> layers;
     std::uint64_t highestHandle = 0;
     std::size_t handled = 0;

@@ -110,6 +110,9 @@ struct ObjectAccess {
     static unsigned refs(const OdDbObject& object) { return object.m_refs; }
     static void setName(OdDbSymbolTableRecord& record, const OdString& name) { record.m_name = name; }
     static void enterName(OdDbSymbolTable& table, const OdString& name, Node* node);
+    /// Enters a name that the table lacks; false for one that it has.
+    static bool enterNewName(OdDbSymbolTable& table, const OdString& name, Node* node);
+    static void expectNames(OdDbSymbolTable& table, std::size_t names);
     static void leaveName(OdDbSymbolTable& table, const OdString& name, Node* node);
     static Node* findName(const OdDbSymbolTable& table, const OdString& name);
     static std::vector<Node*>& references(OdDbBlockTableRecord& block) { return block.m_references; }

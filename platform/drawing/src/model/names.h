@@ -22,25 +22,43 @@ struct WideSame {
     bool operator()(WideView a, WideView b) const noexcept { return system::wideEquals(a, b); }
 };
 
-/// From name to entry, exactly by unit. A key is a view into the text that the map holds beside it.
+/// From name to entry, exactly by unit. A key is a view into the text that the map holds beside it, with its
+/// hash, so that a look-up reads the text of no other name.
 class NameMap {
 public:
     Node* find(WideView name) const {
-        const auto found = m_entries.find(name);
+        const auto found = m_entries.find(Key(name));
         return found == m_entries.end() ? nullptr : found->second.node;
     }
     void set(const OdString& name, Node* node) {
-        m_entries.erase(name.view());
-        m_entries.emplace(name.view(), Entry{name, node});
+        const auto [at, isNew] = m_entries.try_emplace(Key(name.view()), Entry{name, node});
+        if (!isNew) at->second.node = node;
     }
-    void remove(WideView name) { m_entries.erase(name); }
+    /// Enters a name that isn't there yet; false, with nothing changed, for one that is.
+    bool add(const OdString& name, Node* node) {
+        return m_entries.try_emplace(Key(name.view()), Entry{name, node}).second;
+    }
+    /// Tells how many names are coming.
+    void expect(std::size_t names) { m_entries.reserve(m_entries.size() + names); }
+    void remove(WideView name) { m_entries.erase(Key(name)); }
 
 private:
     struct Entry {
         OdString name;
         Node* node;
     };
-    std::unordered_map<WideView, Entry, WideHash, WideSame> m_entries;
+    struct Key {
+        explicit Key(WideView name) : text(name), hash(WideHash()(name)) {}
+        bool operator==(const Key& other) const noexcept {
+            return hash == other.hash && system::wideEquals(text, other.text);
+        }
+        WideView text;
+        std::size_t hash;
+    };
+    struct KnownHash {
+        std::size_t operator()(const Key& key) const noexcept { return key.hash; }
+    };
+    std::unordered_map<Key, Entry, KnownHash> m_entries;
 };
 
 /// Whether a block of this name is model space or a paper layout: "*Model_Space", "*Paper_Space" and

@@ -29,7 +29,8 @@ struct alignas(64) Node {
         kEntity = 2, ///< stands in a block or below a reference
         kDirty = 4,  ///< differs from its source
         kPaper = 8,  ///< marked for paper space in the file
-        kTableRecord = 16
+        kTableRecord = 16,
+        kFramed = 32 ///< a block whose BLOCK entry was found
     };
     /// The database, null once it went. Only for entries of an arena.
     inline OdDbDatabase* database() const noexcept;

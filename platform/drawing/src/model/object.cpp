@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/objectmemory.h"
 #include "base/rxclass.h"
 #include "dxf/read.h"
 #include "model/databasedata.h"
@@ -51,6 +52,19 @@ OdDbObject::OdDbObject(const OdDbObject& other) : OdRxObject(other), m_flags(kNe
 }
 
 OdDbObject::~OdDbObject() = default;
+
+void* OdDbObject::operator new(std::size_t size) {
+    if (lm::drawing::allocationFailsNow()) throw std::bad_alloc();
+    void* const memory = lm::drawing::takeObjectMemory(size);
+    lm::drawing::countBlock(true);
+    return memory;
+}
+
+void OdDbObject::operator delete(void* memory, std::size_t size) noexcept {
+    if (memory == nullptr) return;
+    lm::drawing::countBlock(false);
+    lm::drawing::giveObjectMemory(memory, size);
+}
 
 OdDbObjectId OdDbObject::ownerId() const {
     return OdDbObjectId(m_node != nullptr && m_node->database() != nullptr ? m_node->owner : nullptr);

@@ -101,6 +101,14 @@ void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Node*
     table.m_names->map.set(name, node);
 }
 
+bool ObjectAccess::enterNewName(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    return table.m_names->map.add(name, node);
+}
+
+void ObjectAccess::expectNames(OdDbSymbolTable& table, std::size_t names) {
+    table.m_names->map.expect(names);
+}
+
 void ObjectAccess::leaveName(OdDbSymbolTable& table, const OdString& name, Node* node) {
     if (table.m_names->map.find(name.view()) == node) table.m_names->map.remove(name.view());
 }
