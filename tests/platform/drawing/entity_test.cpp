@@ -165,3 +165,27 @@ TEST(TextTest, StandsByItsPositionUnlessAligned) {
     EXPECT_FALSE(text->isMirroredInX());
     EXPECT_TRUE(text->isMirroredInY());
 }
+
+TEST(EntityTest, RefusesLayersAndLineTypesOfAnotherDrawing) {
+    const auto db = newDatabase(), other = newDatabase();
+    const auto line = make<OdDbLine>();
+    append(*db, line);
+    const OdDbObjectId layer = line->layerId();
+    EXPECT_EQ(codeOf([&] { line->setLayer(other->getLayerZeroId()); }), eInvalidInput);
+    EXPECT_EQ(codeOf([&] { line->setLinetype(other->getLinetypeByBlockId()); }), eInvalidInput);
+    const auto there = make<OdDbLine>();
+    append(*other, there);
+    there->setColor(OdCmColor::fromIndex(5));
+    EXPECT_EQ(codeOf([&] { line->setPropertiesFrom(there); }), eInvalidInput);
+    EXPECT_EQ(line->layerId(), layer);
+    EXPECT_TRUE(line->linetypeId().isNull());
+    EXPECT_NE(line->color(), OdCmColor::fromIndex(5));
+
+    const auto outside = make<OdDbLine>();
+    outside->setPropertiesFrom(there);
+    outside->setLinetype(other->getLinetypeByBlockId());
+    EXPECT_EQ(outside->layerId(), other->getLayerZeroId()) << "outside any drawing every layer will do";
+    line->setLinetype(db->getLinetypeByBlockId());
+    line->setLinetype(OdDbObjectId::kNull);
+    EXPECT_TRUE(line->linetypeId().isNull());
+}

@@ -71,3 +71,10 @@ TEST(ColorTest, TellsItsMethods) {
     EXPECT_EQ(OdCmColor::fromRgb(1, 2, 3).method(), OdCmColor::kByColor);
     EXPECT_NE(OdCmColor::fromIndex(1), OdCmColor::fromIndex(2));
 }
+
+TEST(GeometryTest, AddsAndSubtractsPointsOfThePlaneAndVectors) {
+    EXPECT_EQ(OdGePoint2d(1, 2) + OdGePoint2d(3, 5), OdGePoint2d(4, 7));
+    EXPECT_EQ(OdGePoint2d(1, 2) - OdGePoint2d(3, 5), OdGePoint2d(-2, -3));
+    EXPECT_EQ(OdGeVector3d(1, 2, 3) - OdGeVector3d(3, 5, 9), OdGeVector3d(-2, -3, -6));
+    EXPECT_EQ(-OdGeVector3d(1, 2, 3), OdGeVector3d(-1, -2, -3));
+}

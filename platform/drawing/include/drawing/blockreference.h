@@ -23,8 +23,8 @@ public:
     void setNormal(const OdGeVector3d& normal);
     /// The block's record; null for a reference to nothing.
     OdDbObjectId blockTableRecord() const { return m_block; }
-    /// Null is accepted. What is no block raises OdError_NotThatKindOfClass; on a resident reference a block of another
-    /// drawing raises OdError (eInvalidInput). Nothing has changed then.
+    /// Null is accepted. What is no block raises OdError_NotThatKindOfClass; on a resident reference a block
+    /// of another drawing raises OdError (eInvalidInput). Nothing has changed then.
     void setBlockTableRecord(OdDbObjectId id);
     /// Place, turn, scale and shift by minus the block's origin, in this order from the left.
     OdGeMatrix3d blockTransform() const;
@@ -38,9 +38,26 @@ public:
     void setWithoutIterator(bool without) { m_withoutIterator = without; }
 
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// Gives copies of the block's live entities, moved by blockTransform: one level, so that inner
+    /// references come out as references with their attributes, and definitions as definitions. An empty
+    /// block gives eOk and no pieces; a reference without a block, or of an erased one, gives eNotApplicable.
+    ///
+    /// Where the scale factors differ, or the normal leans, a piece that can't take the transform becomes
+    /// what shows the same: circles and arcs become ellipses, a polyline with arcs falls into lines and
+    /// elliptical arcs (which have no width), texts change height, width factor and oblique angle. An inner
+    /// reference that would have to lean keeps its place and the directions and lengths of its axes but for
+    /// the leaning. A dimension that can't be moved becomes a reference to the block of its picture. Entities
+    /// of further kinds that aren't read come out where they stand in the block; nothing is left out.
+    OdResult explode(OdArray<OdSmartPtr<OdDbEntity>>& pieces) const override;
+    /// The box of what the block's live entities show under blockTransform, and of the attributes. Blocks
+    /// inside themselves count once. eNotApplicable when there is nothing of a known extent.
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
 protected:
     void subBecomeResident() override;
+
+    LM_DB_STATE(OdDbBlockReference)
+    OdDbBlockReference& operator=(const OdDbBlockReference&);
 
 private:
     friend struct lm::drawing::ClassSpecs;

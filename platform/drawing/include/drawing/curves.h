@@ -13,6 +13,10 @@ public:
     OdGePoint3d position() const { return m_position; }
     void setPosition(const OdGePoint3d& point);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbPoint)
+    OdDbPoint& operator=(const OdDbPoint&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -30,6 +34,10 @@ public:
     OdGePoint3d endPoint() const { return m_end; }
     void setEndPoint(const OdGePoint3d& point);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbLine)
+    OdDbLine& operator=(const OdDbLine&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -49,6 +57,10 @@ public:
     OdGeVector3d normal() const { return m_normal; }
     void setNormal(const OdGeVector3d& normal);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbCircle)
+    OdDbCircle& operator=(const OdDbCircle&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -72,7 +84,12 @@ public:
     double endAngle() const { return m_endAngle; }
     void setEndAngle(double radians);
     OdGeVector3d normal() const { return m_normal; }
+    void setNormal(const OdGeVector3d& normal);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbArc)
+    OdDbArc& operator=(const OdDbArc&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -93,11 +110,18 @@ public:
     OdGeVector3d majorAxis() const { return m_majorAxis; }
     void setMajorAxis(const OdGeVector3d& axis);
     OdGeVector3d normal() const { return m_normal; }
+    void setNormal(const OdGeVector3d& normal);
     double radiusRatio() const { return m_ratio; }
     void setRadiusRatio(double ratio);
     double startParam() const { return m_startParam; }
+    void setStartParam(double radians);
     double endParam() const { return m_endParam; }
+    void setEndParam(double radians);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbEllipse)
+    OdDbEllipse& operator=(const OdDbEllipse&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -119,11 +143,19 @@ public:
     double getBulgeAt(unsigned int index) const;
     /// Puts a vertex before `index`; at the count it goes to the end. Beyond it raises OdError_InvalidIndex.
     void addVertexAt(unsigned int index, const OdGePoint2d& point, double bulge = 0);
+    /// Moves a vertex. An index outside raises OdError_InvalidIndex.
+    void setPointAt(unsigned int index, const OdGePoint2d& point);
     bool isClosed() const { return (m_polylineFlags & 1) != 0; }
     void setClosed(bool closed);
     double elevation() const { return m_elevation; }
+    void setElevation(double elevation);
     OdGeVector3d normal() const { return m_normal; }
+    void setNormal(const OdGeVector3d& normal);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbPolyline)
+    OdDbPolyline& operator=(const OdDbPolyline&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;

@@ -8,6 +8,8 @@
 #pragma once
 
 #include "drawing/dictionary.h"
+#include "drawing/idmapping.h"
+#include "drawing/reactor.h"
 #include "drawing/symboltable.h"
 
 namespace lm::drawing {
@@ -77,13 +79,63 @@ public:
     OdGePoint3d getINSBASE() const;
     void setINSBASE(const OdGePoint3d& point);
 
+    /// Clones objects under a new owner, in order: entities into a block, records into a table, others below
+    /// a dictionary. `mapping` gets a pair for each clone, owned attributes included. References inside the
+    /// set are re-pointed, others kept; extended data is copied as it stands, but for handles under 1005,
+    /// which follow their objects; erased ids are passed over. Reactors are told at the end. With
+    /// `deferXlation` references are left as they are. Raises OdError for an owner that can't take the
+    /// objects.
+    void deepCloneObjects(const OdArray<OdDbObjectId>& ids, OdDbObjectId owner, OdDbIdMapping& mapping,
+                          bool deferXlation = false);
+    /// Makes model space of another drawing a block of this one. Layers, line types, styles, inner blocks and
+    /// application ids come along, found by name first; anonymous inner blocks get the next free number. The
+    /// other drawing's base point becomes the block's origin. `preserve` keeps the source as it is, which is
+    /// the only way there is. An empty or existing name gives the null id.
+    OdDbObjectId insert(const OdString& name, OdDbDatabase* source, bool preserve = true);
+    /// Takes out of `ids` everything that a live object or a header variable refers to, one level deep: what
+    /// is used by something in `ids` stays used. Layer "0", the current layer, model and paper space are
+    /// always used. Erased ids stay in; null ids and those of other drawings don't.
+    void purge(OdArray<OdDbObjectId>& ids) const;
+
+    /// Attaches a reactor; adding it twice counts once, null is ignored. Not owned.
+    void addReactor(OdDbDatabaseReactor* reactor);
+    /// Removing what isn't there is silent.
+    void removeReactor(OdDbDatabaseReactor* reactor);
+    void addTransactionReactor(OdDbTransactionReactor* reactor);
+    void removeTransactionReactor(OdDbTransactionReactor* reactor);
+
+    /// Opens a transaction; they nest.
+    void startTransaction();
+    /// Commits the innermost one. At the end of the outermost, reactors first get what waits for a close,
+    /// then transactionEnded. Without a transaction nothing happens.
+    void endTransaction();
+    /// Takes back everything since the innermost transaction was opened, marks of the undo log too.
+    void abortTransaction();
+    unsigned int numActiveTransactions() const;
+
+    /// Whether changes are kept for undo: off for a new database, on for that of a document. Turning it off
+    /// forgets what was kept.
+    bool isUndoRecording() const;
+    void setUndoRecording(bool recording);
+    /// Takes back everything since the last mark, the mark too; without a mark everything that was kept.
+    /// False, with nothing changed, when there is nothing to take back and during a transaction.
+    bool undo();
+    /// Repeats the step that was taken back last; any change in between forgets it. False when there is none.
+    bool redo();
+    unsigned int redoSteps() const;
+    /// Changes kept for undo now: tells whether a step holds any.
+    std::size_t undoRecords() const;
+    /// Grows with every change that is filed for undo, taken back or repeated: tells whether anything was
+    /// changed between two moments of which the first set a mark.
+    unsigned long long changeCount() const;
+
     /// Whether blockUndoRecording(true) is open.
     bool isUndoBlockStarted() const;
     /// Opens (true) or closes (false) a block of which everything belongs to one step. Blocks don't nest.
     void blockUndoRecording(bool begin);
     /// Sets a mark that one undo step goes back to.
     void startUndoRecord();
-    /// Marks set so far, a block counting as one.
+    /// Marks that can be gone back to, a block counting as one.
     unsigned int undoMarks() const;
 
     /// Full path of the file, empty for a new drawing.

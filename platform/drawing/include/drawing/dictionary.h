@@ -52,6 +52,9 @@ public:
     unsigned int numEntries() const;
     OdSmartPtr<OdDbDictionaryIterator> newIterator() const;
 
+    LM_DB_STATE(OdDbDictionary)
+    OdDbDictionary& operator=(const OdDbDictionary&);
+
 private:
     friend struct lm::drawing::ClassSpecs;
     friend struct lm::drawing::ObjectAccess;
@@ -60,7 +63,9 @@ private:
         OdString name;
         OdDbObjectId id;
     };
+    struct Index;
     std::vector<Entry> m_entries;
+    mutable std::unique_ptr<Index> m_index;
 };
 
 /// A chain of typed records as an object.
@@ -73,6 +78,9 @@ public:
     OdSmartPtr<OdResBuf> rbChain() const;
     /// Replaces the chain by a copy of the given one.
     void setFromRbChain(OdSmartPtr<OdResBuf> chain);
+
+    LM_DB_STATE(OdDbXrecord)
+    OdDbXrecord& operator=(const OdDbXrecord&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "drawing/color.h"
+#include "drawing/geometry.h"
+#include "drawing/odarray.h"
 #include "drawing/object.h"
 
 class OdDbEntity;
@@ -43,13 +45,15 @@ public:
     /// Puts the entity on a layer. An unknown name raises OdError (eKeyNotFound) and changes nothing; no
     /// layer is made.
     void setLayer(const OdString& name);
-    /// Puts the entity on a layer; an id that is no layer raises OdError_NotThatKindOfClass.
+    /// Puts the entity on a layer; an id that is no layer raises OdError_NotThatKindOfClass. In a database, a
+    /// layer of another drawing raises OdError (eInvalidInput). Nothing has changed then.
     void setLayer(OdDbObjectId id);
 
     OdCmColor color() const { return m_color; }
     void setColor(const OdCmColor& color);
     /// Line type; null stands for by-layer.
     OdDbObjectId linetypeId() const { return m_linetype; }
+    /// In a database, a line type of another drawing raises OdError (eInvalidInput) and changes nothing.
     void setLinetype(OdDbObjectId id);
     double linetypeScale() const { return m_linetypeScale; }
     void setLinetypeScale(double scale);
@@ -61,11 +65,17 @@ public:
     void setTransparency(unsigned int transparency);
     bool isVisible() const { return m_visible; }
     void setVisible(bool visible);
-    /// Takes layer, colour, line type, its scale, line weight and transparency from another entity.
+    /// Takes layer, colour, line type, its scale, line weight and transparency from another entity. In a
+    /// database, one of another drawing raises OdError (eInvalidInput) and changes nothing.
     void setPropertiesFrom(const OdDbEntity* other);
 
     /// Moves the entity. eNotApplicable, with nothing changed, for a transform that the class can't take.
     virtual OdResult transformBy(const OdGeMatrix3d& matrix);
+    /// The parts that the entity falls into, one level: new entities outside any database, placed as they are
+    /// drawn. eNotApplicable for a class that has no parts, and for a reference without a block.
+    virtual OdResult explode(OdArray<OdSmartPtr<OdDbEntity>>& pieces) const;
+    /// Adds the box that the entity takes to `extents`. eNotApplicable for a class without a known extent.
+    virtual OdResult getGeomExtents(OdGeExtents3d& extents) const;
     /// Asks for a redraw: counts, and raises nothing.
     void recordGraphicsModified(bool set = true);
     unsigned int graphicsRequests() const { return m_graphicsRequests; }
@@ -76,6 +86,7 @@ public:
 protected:
     OdDbEntity() = default;
     OdDbEntity(const OdDbEntity& other) = default;
+    OdDbEntity& operator=(const OdDbEntity& other) = default;
     void subBecomeResident() override;
 
 private:
@@ -95,6 +106,24 @@ private:
 class LM_DRAWING_API OdDbUnreadEntity : public OdDbEntity {
     LM_RX_CLASS(OdDbUnreadEntity)
 public:
-    OdDbUnreadEntity() = default;
-    OdDbUnreadEntity(const OdDbUnreadEntity&) = default;
+    OdDbUnreadEntity();
+    /// A copy outside any database with everything that the entity came with, its vertices too.
+    OdDbUnreadEntity(const OdDbUnreadEntity& other);
+    ~OdDbUnreadEntity() override;
+
+    /// Moves the points that the entity came with. Works for SPLINE, 3DFACE, RAY, XLINE, LEADER, SOLID,
+    /// TRACE, SHAPE, POLYLINE with its vertices, HATCH and VIEWPORT; eNotApplicable for other kinds, and for
+    /// those in a plane when the transform stretches.
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
+
+protected:
+    void subBecomeResident() override;
+
+    LM_DB_STATE(OdDbUnreadEntity)
+    OdDbUnreadEntity& operator=(const OdDbUnreadEntity& other);
+
+private:
+    friend struct lm::drawing::ObjectAccess;
+    using Parts = std::vector<OdSmartPtr<OdDbEntity>>;
+    std::unique_ptr<Parts> m_parts; // vertices while outside a database
 };

@@ -25,6 +25,9 @@ struct LM_DRAWING_API OdGeVector3d {
     friend OdGeVector3d operator+(const OdGeVector3d& a, const OdGeVector3d& b) {
         return {a.x + b.x, a.y + b.y, a.z + b.z};
     }
+    friend OdGeVector3d operator-(const OdGeVector3d& a, const OdGeVector3d& b) {
+        return {a.x - b.x, a.y - b.y, a.z - b.z};
+    }
     friend OdGeVector3d operator-(const OdGeVector3d& v) { return {-v.x, -v.y, -v.z}; }
     friend bool operator==(const OdGeVector3d&, const OdGeVector3d&) = default;
 };
@@ -35,6 +38,12 @@ struct LM_DRAWING_API OdGePoint2d {
     OdGePoint2d() = default;
     OdGePoint2d(double ax, double ay) : x(ax), y(ay) {}
     double distanceTo(const OdGePoint2d& p) const { return std::hypot(x - p.x, y - p.y); }
+    friend OdGePoint2d operator+(const OdGePoint2d& a, const OdGePoint2d& b) {
+        return {a.x + b.x, a.y + b.y};
+    }
+    friend OdGePoint2d operator-(const OdGePoint2d& a, const OdGePoint2d& b) {
+        return {a.x - b.x, a.y - b.y};
+    }
     friend bool operator==(const OdGePoint2d&, const OdGePoint2d&) = default;
 };
 
@@ -57,6 +66,27 @@ struct LM_DRAWING_API OdGePoint3d {
         return {a.x - v.x, a.y - v.y, a.z - v.z};
     }
     friend bool operator==(const OdGePoint3d&, const OdGePoint3d&) = default;
+};
+
+/// A box along the axes; empty until a point was added.
+class LM_DRAWING_API OdGeExtents3d {
+public:
+    bool isEmpty() const { return m_min.x > m_max.x; }
+    OdGePoint3d minPoint() const { return m_min; }
+    OdGePoint3d maxPoint() const { return m_max; }
+    void addPoint(const OdGePoint3d& p) {
+        m_min = {std::fmin(m_min.x, p.x), std::fmin(m_min.y, p.y), std::fmin(m_min.z, p.z)};
+        m_max = {std::fmax(m_max.x, p.x), std::fmax(m_max.y, p.y), std::fmax(m_max.z, p.z)};
+    }
+    void addExtents(const OdGeExtents3d& other) {
+        if (other.isEmpty()) return;
+        addPoint(other.m_min);
+        addPoint(other.m_max);
+    }
+
+private:
+    OdGePoint3d m_min{HUGE_VAL, HUGE_VAL, HUGE_VAL};
+    OdGePoint3d m_max{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
 };
 
 /// Scale factors of a block reference; negative ones mirror.

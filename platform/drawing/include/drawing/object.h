@@ -14,6 +14,7 @@ namespace lm::drawing {
 struct ClassSpecs;
 struct ObjectAccess;
 struct DatabaseData;
+class RawGroups;
 Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart);
 } // namespace lm::drawing
 
@@ -40,9 +41,12 @@ public:
     /// Makes an object that is open for reading writable; does nothing on one that is.
     void upgradeOpen();
     /// Ends the write-enabled state while the object stays open.
+    /// Reactors are told what the closing of an object tells them; what they raise passes.
     void downgradeOpen();
     /// Says that a change is coming. Raises OdError (eNotOpenForWrite) on an object of a database that isn't
     /// open for write. With `recordModified` the object counts as changed.
+    /// Reactors are told before the first change since the opening, and the undo log gets the object as it
+    /// was once in each step.
     void assertWriteEnabled(bool autoUndo = true, bool recordModified = true);
     /// Whether the object was changed since it was read or made.
     bool isModified() const { return (m_flags & kModified) != 0; }
@@ -85,17 +89,25 @@ protected:
     OdDbObject() = default;
     /// A copy outside any database, extended data included.
     OdDbObject(const OdDbObject& other);
-    OdDbObject& operator=(const OdDbObject&) = delete;
+    /// Takes the fields and the extended data, and nothing of the identity, the marks or the count.
+    OdDbObject& operator=(const OdDbObject& other);
 
     /// Called once when the object becomes resident.
     virtual void subBecomeResident() {}
+    /// A new object outside any database with the fields of this one, extended data too, but nothing of its
+    /// place: what the undo log keeps.
+    virtual OdDbObject* newState() const;
+    /// Takes the fields of an object that newState of this class made.
+    virtual void takeState(const OdDbObject& state);
     /// Called before setters change a field: the check of assertWriteEnabled(true, true).
     void beginChange() {
         if (m_node != nullptr) assertWriteEnabled();
     }
 
 private:
-    void lastReleased();
+    void lastReleased() noexcept;
+    bool closeNeedsTelling() const { return (m_flags & (kNew | kChanged)) != 0 && m_node != nullptr; }
+    void tellClosed();
     friend struct lm::drawing::ClassSpecs;
     friend struct lm::drawing::ObjectAccess;
     friend class OdDbObjectId;
@@ -109,7 +121,10 @@ private:
         kNew = 4,
         kXDataRead = 8,
         kErasedOutside = 16,
-        kAnnounced = 32
+        kAnnounced = 32,    ///< reactors know of a change since the opening
+        kChanged = 64,      ///< changed since the opening
+        kImaged = 128,      ///< the current step of the undo log has the object as it was
+        kXDataChanged = 256 ///< extended data differs from the source
     };
     struct XData {
         OdString application;
@@ -122,8 +137,21 @@ private:
     lm::drawing::Node* m_node = nullptr;
     unsigned int m_refs = 1;
     mutable unsigned short m_flags = 0;
+    const lm::drawing::RawGroups* m_raw = nullptr;       // groups that the class doesn't read, of a copy
     mutable std::unique_ptr<std::vector<XData>> m_xdata; // valid when kXDataRead is set or outside a database
 };
+
+/// Gives a class its part in undo: see newState and takeState.
+#define LM_DB_STATE(T)                                                                                       \
+protected:                                                                                                   \
+    OdDbObject* newState() const override {                                                                  \
+        T* const state = new T();                                                                            \
+        *state = *this;                                                                                      \
+        return state;                                                                                        \
+    }                                                                                                        \
+    void takeState(const OdDbObject& state) override {                                                       \
+        *this = static_cast<const T&>(state);                                                                \
+    }
 
 /// An object of a kind that the database keeps without reading it: it is listed, held and written back as it
 /// came.
@@ -132,4 +160,6 @@ class LM_DRAWING_API OdDbUnreadObject : public OdDbObject {
 public:
     OdDbUnreadObject() = default;
     OdDbUnreadObject(const OdDbUnreadObject&) = default;
+    LM_DB_STATE(OdDbUnreadObject)
+    OdDbUnreadObject& operator=(const OdDbUnreadObject&) = default;
 };

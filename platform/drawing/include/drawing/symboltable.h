@@ -52,6 +52,9 @@ public:
     /// A walk from the start, past erased records.
     OdSmartPtr<OdDbSymbolTableIterator> newIterator() const;
 
+    LM_DB_STATE(OdDbSymbolTable)
+    OdDbSymbolTable& operator=(const OdDbSymbolTable&);
+
 private:
     friend struct lm::drawing::ClassSpecs;
     friend struct lm::drawing::ObjectAccess;
@@ -73,6 +76,7 @@ public:
 protected:
     OdDbSymbolTableRecord() = default;
     OdDbSymbolTableRecord(const OdDbSymbolTableRecord&) = default;
+    OdDbSymbolTableRecord& operator=(const OdDbSymbolTableRecord&) = default;
     short m_recordFlags = 0;
 
 private:
@@ -104,6 +108,9 @@ public:
     /// Refuses for layer "0", the current layer and a layer that a live entity stands on.
     OdResult erase(bool erasing = true) override;
 
+    LM_DB_STATE(OdDbLayerTableRecord)
+    OdDbLayerTableRecord& operator=(const OdDbLayerTableRecord&) = default;
+
 private:
     friend struct lm::drawing::ClassSpecs;
     OdCmColor m_color = OdCmColor::fromIndex(7);
@@ -119,6 +126,9 @@ public:
     OdDbLinetypeTableRecord(const OdDbLinetypeTableRecord&) = default;
     OdString comments() const { return m_comments; }
 
+    LM_DB_STATE(OdDbLinetypeTableRecord)
+    OdDbLinetypeTableRecord& operator=(const OdDbLinetypeTableRecord&) = default;
+
 private:
     friend struct lm::drawing::ClassSpecs;
     OdString m_comments;
@@ -130,6 +140,9 @@ class LM_DRAWING_API OdDbTextStyleTableRecord : public OdDbSymbolTableRecord {
 public:
     OdDbTextStyleTableRecord() = default;
     OdDbTextStyleTableRecord(const OdDbTextStyleTableRecord&) = default;
+
+    LM_DB_STATE(OdDbTextStyleTableRecord)
+    OdDbTextStyleTableRecord& operator=(const OdDbTextStyleTableRecord&) = default;
 };
 
 /// An application id, which objects carry extended data under.
@@ -138,6 +151,9 @@ class LM_DRAWING_API OdDbRegAppTableRecord : public OdDbSymbolTableRecord {
 public:
     OdDbRegAppTableRecord() = default;
     OdDbRegAppTableRecord(const OdDbRegAppTableRecord&) = default;
+
+    LM_DB_STATE(OdDbRegAppTableRecord)
+    OdDbRegAppTableRecord& operator=(const OdDbRegAppTableRecord&) = default;
 };
 
 /// What views and viewports share: a centre and a size, in drawing units.
@@ -154,6 +170,7 @@ public:
 protected:
     OdDbAbstractViewTableRecord() = default;
     OdDbAbstractViewTableRecord(const OdDbAbstractViewTableRecord&) = default;
+    OdDbAbstractViewTableRecord& operator=(const OdDbAbstractViewTableRecord&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -168,6 +185,9 @@ class LM_DRAWING_API OdDbViewTableRecord : public OdDbAbstractViewTableRecord {
 public:
     OdDbViewTableRecord() = default;
     OdDbViewTableRecord(const OdDbViewTableRecord&) = default;
+
+    LM_DB_STATE(OdDbViewTableRecord)
+    OdDbViewTableRecord& operator=(const OdDbViewTableRecord&) = default;
 };
 
 /// A viewport of the screen; the one named "*Active" comes first.
@@ -175,7 +195,13 @@ class LM_DRAWING_API OdDbViewportTableRecord : public OdDbAbstractViewTableRecor
     LM_RX_CLASS(OdDbViewportTableRecord)
 public:
     OdDbViewportTableRecord() = default;
+    /// Fits the view to the live entities of model space on layers that are neither frozen nor off; without
+    /// one the view stays. The record must be open for write.
+    void zoomExtents();
     OdDbViewportTableRecord(const OdDbViewportTableRecord&) = default;
+
+    LM_DB_STATE(OdDbViewportTableRecord)
+    OdDbViewportTableRecord& operator=(const OdDbViewportTableRecord&) = default;
 };
 
 /// A record of a table that the database keeps without reading more than its name.
@@ -184,6 +210,9 @@ class LM_DRAWING_API OdDbUnreadTableRecord : public OdDbSymbolTableRecord {
 public:
     OdDbUnreadTableRecord() = default;
     OdDbUnreadTableRecord(const OdDbUnreadTableRecord&) = default;
+
+    LM_DB_STATE(OdDbUnreadTableRecord)
+    OdDbUnreadTableRecord& operator=(const OdDbUnreadTableRecord&) = default;
 };
 
 /// A block: its entities, and the references to it. Model space and the paper layouts are blocks as well.
@@ -209,6 +238,9 @@ public:
     OdArray<OdDbObjectId> getBlockReferenceIds(bool directOnly = true) const;
     /// Model and paper space refuse.
     OdResult erase(bool erasing = true) override;
+
+    LM_DB_STATE(OdDbBlockTableRecord)
+    OdDbBlockTableRecord& operator=(const OdDbBlockTableRecord&);
 
 private:
     friend struct lm::drawing::ClassSpecs;

@@ -5,6 +5,7 @@
 #include "drawing/entity.h"
 #include "drawing/odarray.h"
 
+class OdDbAttributeDefinition;
 class OdDbMText;
 
 /// A line of text. Angles in radians, lengths in drawing units, points in the object coordinate system of the
@@ -56,6 +57,11 @@ public:
     /// on every machine.
     void getBoundingPoints(OdArray<OdGePoint3d>& corners) const;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// The box of the bounding points.
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbText)
+    OdDbText& operator=(const OdDbText&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -93,6 +99,16 @@ public:
     /// The multi-line form, null when the attribute has none.
     OdSmartPtr<OdDbMText> getMTextAttribute() const;
     void setMTextAttribute(OdSmartPtr<OdDbMText> mtext);
+    /// Initialises the attribute from a definition under a matrix, such as the blockTransform of its
+    /// reference: place, alignment point, height, rotation, oblique angle, width factor, thickness, style,
+    /// normal, modes and mirroring are the definition's, moved by the matrix, and the text is its default.
+    /// Tag, invisibility, layer and a multi-line form stay. A matrix that stretches is taken as exactly as a
+    /// text can show it. A null definition, and on an attribute in a database a style of another drawing,
+    /// raises OdError; nothing has changed then.
+    void setAttributeFromBlock(const OdDbAttributeDefinition* definition, const OdGeMatrix3d& matrix);
+
+    LM_DB_STATE(OdDbAttribute)
+    OdDbAttribute& operator=(const OdDbAttribute& other);
 
 private:
     friend struct lm::drawing::ClassSpecs;
@@ -125,6 +141,9 @@ public:
     OdSmartPtr<OdDbMText> getMTextAttributeDefinition() const;
     void setMTextAttributeDefinition(OdSmartPtr<OdDbMText> mtext);
 
+    LM_DB_STATE(OdDbAttributeDefinition)
+    OdDbAttributeDefinition& operator=(const OdDbAttributeDefinition& other);
+
 private:
     friend struct lm::drawing::ClassSpecs;
     friend struct lm::drawing::ObjectAccess;
@@ -147,14 +166,31 @@ public:
     void setContents(const OdString& text);
     OdGePoint3d location() const { return m_location; }
     void setLocation(const OdGePoint3d& point);
+    /// Where the lines run to. A file may tell it by a rotation instead; that one counts unless the direction
+    /// was set to another one than the x axis.
     OdGeVector3d direction() const { return m_direction; }
+    void setDirection(const OdGeVector3d& direction);
+    double rotation() const { return m_rotation; }
     OdGeVector3d normal() const { return m_normal; }
+    void setNormal(const OdGeVector3d& normal);
     double textHeight() const { return m_height; }
     void setTextHeight(double height);
     double width() const { return m_width; }
     void setWidth(double width);
+    /// Which point of the box the location is: 1 to 3 left to right at the top, 4 to 6 in the middle, 7 to 9
+    /// at the bottom.
     int attachment() const { return m_attachment; }
+    void setAttachment(int attachment);
+    OdDbObjectId textStyle() const { return m_style; }
+    void setTextStyle(OdDbObjectId id);
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// The box by a fixed rule, so that results are the same on every machine: lines end at "\\P"; the width
+    /// is that of the frame, without one 0.6 times height times units of the longest line with its codes; the
+    /// height is the text's, and 5/3 of it for each further line.
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+
+    LM_DB_STATE(OdDbMText)
+    OdDbMText& operator=(const OdDbMText&) = default;
 
 private:
     friend struct lm::drawing::ClassSpecs;

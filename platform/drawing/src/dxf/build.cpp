@@ -32,6 +32,7 @@ public:
         placeObjects();
         completeDefaults(m_data, m_data.version >= kFirstHandleVersion);
         m_data.resolver->clear();
+        nameLinetypesOfLayers();
         placeEntities();
         makeMissingLayers();
         linkReferences();
@@ -151,10 +152,13 @@ private:
         if (name == "VPORT") return &f.viewportTable;
         if (name == "VIEW") return &f.viewTable;
         if (name == "BLOCK_RECORD") return &f.blockTable;
+        if (name == "DIMSTYLE") return &f.dimstyleTable;
+        if (name == "UCS") return &f.ucsTable;
         return nullptr;
     }
 
     void placeTables() {
+        const std::size_t loose = m_data.strays.size();
         // Layers name line types, so line types come first.
         std::stable_sort(m_scanned.tables.begin(), m_scanned.tables.end(),
                          [](const ScannedTable& a, const ScannedTable& b) {
@@ -174,6 +178,60 @@ private:
             if (slot != nullptr) *slot = table;
             enterRecords(*table, first);
         }
+        gatherLooseRecords(loose);
+    }
+
+    /// Records that stand outside any table, in a file that lacks the table of their kind, make the table:
+    /// without the records of the blocks no entity would have an owner.
+    void gatherLooseRecords(std::size_t loose) {
+        std::vector<Node*> rest;
+        std::vector<Node*> made;
+        for (std::size_t i = 0; i < m_data.strays.size(); ++i) {
+            Node* const stray = m_data.strays[i];
+            Node** slot = nullptr;
+            if (i < loose && standsInTables(*stray) &&
+                recordKindOf(m_data.kinds.name(stray->kind)) != kKindNone)
+                slot = slotOf(m_data.kinds.name(stray->kind));
+            if (slot != nullptr && *slot == nullptr) {
+                *slot = makeTableFor(*stray);
+                made.push_back(*slot);
+            }
+            if (slot == nullptr || std::find(made.begin(), made.end(), *slot) == made.end()) {
+                rest.push_back(stray);
+                continue;
+            }
+            stray->flags |= Node::kTableRecord;
+            (*slot)->appendPart(stray);
+        }
+        for (Node* table : made) enterRecords(*table, table->firstPart);
+        m_data.strays = std::move(rest);
+    }
+
+    bool standsInTables(const Node& node) const {
+        return std::any_of(m_data.sections.begin(), m_data.sections.end(), [&node](const Section& section) {
+            return section.name == "TABLES" && node.offset >= section.offset &&
+                   node.offset < section.offset + section.length;
+        });
+    }
+
+    /// A table under the handle that a record names as its owner, where that is free.
+    Node* makeTableFor(Node& record) {
+        Node* const table = m_data.makeEntry(kKindTable);
+        std::uint64_t owner = 0;
+        const Values values(m_source);
+        forEachGroup(m_source, record, [&](const Group& group) {
+            bool bad = false;
+            if (group.code == 330) owner = values.handle(group, bad);
+            return group.code != 330 && group.code != 100;
+        });
+        if (owner != 0 && m_data.handles.find(owner) == nullptr) {
+            m_data.handles.remove(table->handle, table);
+            table->handle = owner;
+            m_data.handles.insert(owner, table);
+            if (owner != ~std::uint64_t{0}) m_data.nextHandle = std::max(m_data.nextHandle, owner + 1);
+        }
+        tableBody(*table);
+        return table;
     }
 
     /// The kind of the records of a table that the database reads; kKindNone for the other tables.
@@ -300,8 +358,10 @@ private:
         m_data.frames.reserve(m_scanned.blocks.size());
         for (const ScannedBlock& block : m_scanned.blocks) {
             const OdString name = blockName(block);
-            if (!block.named || stripped(block.name).empty())
+            if (!block.named || stripped(block.name).empty()) {
+                block.begin->flags |= Node::kDirty; // gets its record's name when it is written
                 report(Defect::kMissingName, *block.begin, "named " + utf8(name));
+            }
             Node* record = findRecord(block, name);
             if (record == nullptr || record->firstPart != nullptr || record->has(Node::kFramed))
                 record = makeRecord(block, name);
@@ -348,6 +408,23 @@ private:
             if (run < m_scanned.entityOwners.size() && m_scanned.entityOwners[run].first == entity)
                 owner = m_scanned.entityOwners[run++].owner;
             placeFor(*entity, owner)->appendPart(entity);
+        }
+    }
+
+    /// Layers were read before the line types that a file may leave out were made.
+    void nameLinetypesOfLayers() {
+        constexpr int kLinetype = 6;
+        const Values values(m_source);
+        for (Node* record = m_data.fixed.layerTable->firstPart; record != nullptr; record = record->next) {
+            if (record->length == 0) continue;
+            auto& layer = static_cast<OdDbLayerTableRecord&>(*m_data.bodyOf(record));
+            if (!layer.linetypeObjectId().isNull()) continue;
+            ReadContext context{m_data, values, *record};
+            forEachGroup(m_source, *record, [&](const Group& group) {
+                if (group.code == kLinetype)
+                    specOf(*record).fields->find(kLinetype)->read(layer, group, context);
+                return group.code != kLinetype;
+            });
         }
     }
 

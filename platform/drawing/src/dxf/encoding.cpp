@@ -58,10 +58,17 @@ public:
             WideChar units[256];
             char* to = reinterpret_cast<char*>(units);
             std::size_t room = sizeof units;
+            const char* const before = in;
             const std::size_t result = ::iconv(m_handle, &in, &inLeft, &to, &room);
             out.append(units, (sizeof units - room) / sizeof(WideChar));
             if (result != static_cast<std::size_t>(-1) || errno == E2BIG) continue;
             bad = true;
+            if (inLeft == 0) {
+                // The converter of one page passes over a pair that it refuses, even at the end of the text.
+                for (const char* at = in - std::min<std::ptrdiff_t>(2, in - before); at < in; ++at)
+                    out.push_back(static_cast<unsigned char>(*at));
+                break;
+            }
             out.push_back(static_cast<unsigned char>(*in++));
             --inLeft;
         }
@@ -138,7 +145,7 @@ int caretUnit(char next) {
 } // namespace
 
 struct TextDecoder::State {
-    const char* converterName = nullptr;
+    const char* page = "UTF-8";
     bool utf8 = true;
     int lead = 0;
     bool katakana = false; ///< single bytes from 0xA1 to 0xDF between the leading ones
@@ -198,6 +205,8 @@ std::size_t TextDecoder::State::escape(std::string_view rest, WideString& out) c
 
 TextDecoder::TextDecoder() : m_state(std::make_unique<State>()) {}
 TextDecoder::~TextDecoder() = default;
+TextDecoder::TextDecoder(const TextDecoder&) = default;
+TextDecoder& TextDecoder::operator=(const TextDecoder&) = default;
 TextDecoder::TextDecoder(TextDecoder&&) noexcept = default;
 TextDecoder& TextDecoder::operator=(TextDecoder&&) noexcept = default;
 
@@ -208,6 +217,7 @@ TextDecoder TextDecoder::forCodePage(std::string_view name) {
     TextDecoder decoder;
     State& state = *decoder.m_state;
     state.utf8 = false;
+    state.page = "CP1252";
     for (int byte = 0; byte < 256; ++byte)
         state.table[static_cast<std::size_t>(byte)] = system::widenByte(static_cast<unsigned char>(byte));
     const auto page = std::find_if(std::begin(kCodePages), std::end(kCodePages),
@@ -215,6 +225,7 @@ TextDecoder TextDecoder::forCodePage(std::string_view name) {
     if (page == std::end(kCodePages) || page->converter == nullptr) return decoder;
     auto converter = std::make_unique<Converter>(page->converter);
     if (!converter->isOpen()) return decoder;
+    state.page = page->converter;
     state.lead = page->multiByteLead;
     state.katakana = std::strcmp(page->converter, "CP932") == 0;
     if (state.lead == 0) {
@@ -233,6 +244,10 @@ TextDecoder TextDecoder::forCodePage(std::string_view name) {
 
 bool TextDecoder::isAsciiSafe() const {
     return m_state->lead == 0;
+}
+
+const char* TextDecoder::page() const {
+    return m_state->page;
 }
 
 OdString TextDecoder::decode(std::string_view bytes, bool& bad) const {

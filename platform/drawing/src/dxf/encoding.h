@@ -17,6 +17,9 @@ public:
     /// UTF-8.
     TextDecoder();
     ~TextDecoder();
+    /// Copies share what a decoder remembers; they belong to one thread.
+    TextDecoder(const TextDecoder&);
+    TextDecoder& operator=(const TextDecoder&);
     TextDecoder(TextDecoder&&) noexcept;
     TextDecoder& operator=(TextDecoder&&) noexcept;
 
@@ -33,10 +36,12 @@ public:
     /// Whether bytes are text of a single-byte code page or of UTF-8, so that bytes below 0x80 are always
     /// themselves.
     bool isAsciiSafe() const;
+    /// What the bytes are: "UTF-8", or a name that all headers' names for one code page share.
+    const char* page() const;
 
 private:
     struct State;
-    std::unique_ptr<State> m_state;
+    std::shared_ptr<State> m_state;
 };
 
 } // namespace lm::drawing

@@ -2,6 +2,9 @@
 #include "drawing/inventory.h"
 
 #include "dxf/read.h"
+#include "dxf/skeletonfind.h"
+
+#include "drawing/dictionary.h"
 
 #include <map>
 
@@ -62,6 +65,17 @@ bool isSectionRead(const std::string& name) {
            name == "OBJECTS";
 }
 
+std::vector<OdString> dictionariesOf(DatabaseData& data, const SkeletonParts& skeleton) {
+    std::vector<OdString> names;
+    Node* const root = data.fixed.dictionary;
+    auto* dictionary = root != nullptr ? OdDbDictionary::cast(data.bodyOf(root)) : nullptr;
+    if (dictionary == nullptr) return names;
+    const OdSmartPtr<OdDbDictionaryIterator> walk = dictionary->newIterator();
+    for (; !walk->done(); walk->next())
+        if (skeleton.entries.count(walk->objectId().node()) == 0) names.push_back(walk->name());
+    return names;
+}
+
 template<class Map>
 std::vector<std::pair<std::string, std::size_t>> flat(const Map& counts) {
     return {counts.begin(), counts.end()};
@@ -75,9 +89,10 @@ Inventory takeInventory(const OdDbDatabase& database) {
     std::map<std::string, std::size_t> kept;
     std::map<std::uint16_t, std::size_t> unread;
     ReadKinds isReadKind;
+    const SkeletonParts skeleton = findSkeleton(data);
     data.nodes.forEach([&](Node& node) {
         if (!node.isLive() || node.kind == kKindNone) return;
-        if (!isReadKind(node)) ++unread[node.kind];
+        if (!isReadKind(node) && skeleton.entries.count(&node) == 0) ++unread[node.kind];
         // An object that wasn't read yet is asked in its groups; reading it would only take memory.
         const bool fromFile = data.source != nullptr && node.body == nullptr;
         std::vector<OdString> names;
@@ -91,8 +106,10 @@ Inventory takeInventory(const OdDbDatabase& database) {
     });
     for (const auto& [kind, count] : unread) kept[std::string(data.kinds.name(kind))] += count;
     for (const Section& section : data.sections)
-        if (!isSectionRead(section.name)) ++kept["SECTION " + section.name];
+        if (!isSectionRead(section.name) && !(section.name == "CLASSES" && skeleton.onlyItsClasses))
+            ++kept["SECTION " + section.name];
     result.kept = flat(kept);
+    result.dictionaries = dictionariesOf(data, skeleton);
 
     std::map<std::string, std::size_t> entities;
     if (const Node* const space = data.fixed.modelSpace)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dxf/read.h"
 
+#include "dxf/place.h"
 #include "dxf/resolver.h"
 
 #include "drawing/blockreference.h"
@@ -10,36 +11,10 @@ namespace lm::drawing {
 namespace {
 
 constexpr int kSubclass = 100;
-constexpr int kEmbedded = 101;
-constexpr int kBraces = 102;
 constexpr int kComment = 999;
 constexpr int kFirstXData = 1000;
 constexpr int kApplication = 1001;
 constexpr std::string_view kXrecordMark = "AcDbXrecord";
-
-/// Keeps track of the groups that are no fields of the entry itself: braces with the ids of reactors and
-/// dictionaries, objects that are embedded in an entry, and the xrecord that an attribute with several lines
-/// carries along, whose codes mean something else than the attribute's own.
-class PlaceInEntry {
-public:
-    /// Whether the group is a field of the entry.
-    bool isField(const Group& group) {
-        if (group.code == kBraces) {
-            const std::string_view text = stripped(group.raw());
-            m_braces = !text.empty() && text.front() == '{';
-            return false;
-        }
-        if (group.code == kEmbedded) m_embedded = true;
-        if (group.code == kSubclass && stripped(group.raw()) == kXrecordMark) m_xrecord = true;
-        return !m_xrecord && !m_braces && !m_embedded && group.code != kSubclass && group.code != kComment;
-    }
-    bool isEmbedded() const { return m_embedded; }
-
-private:
-    bool m_braces = false;
-    bool m_embedded = false;
-    bool m_xrecord = false;
-};
 
 void reportBad(ReadContext& context, const Group& group) {
     const Source& source = context.values.source();
@@ -111,14 +86,6 @@ public:
     bool isEmpty() const { return m_head.isNull(); }
 
 private:
-    /// The code of the x component that a code belongs to, or -1.
-    static int pointBase(int code) {
-        if (code >= 10 && code <= 39) return 10 + code % 10;
-        if (code >= 110 && code <= 139) return 110 + code % 10;
-        if (code >= 210 && code <= 239) return 210 + code % 10;
-        if (code >= 1010 && code <= 1039) return 1010 + code % 10;
-        return -1;
-    }
     void fill(OdResBuf& record, const Group& group, bool& bad) {
         switch (valueTypeOf(group.code)) {
         case ValueType::kReal: {
@@ -156,14 +123,16 @@ void readXrecord(OdDbXrecord& record, const Source& source, const Node& node, co
     constexpr int kCloning = 280;
     ChainBuilder chain(values);
     bool inside = false;
+    bool first = true;
     forEachGroup(source, node, [&](const Group& group) {
         if (group.code >= kFirstXData) return false;
         if (group.code == kComment) return true;
         if (!inside) {
             inside = group.code == kSubclass && stripped(group.raw()) == kXrecordMark;
-        } else if (!(chain.isEmpty() && group.code == kCloning)) {
-            chain.add(group);
+            return true;
         }
+        if (!first || group.code != kCloning) chain.add(group);
+        first = false;
         return true;
     });
     record.setFromRbChain(chain.take());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "dxf/resolver.h"
 
+#include "dxf/read.h"
+
 namespace lm::drawing {
 
 namespace {
@@ -61,6 +63,20 @@ void DatabaseData::Resolver::set(Names table, std::string_view bytes, Node* node
     Memo& memo = memos[static_cast<int>(table)];
     memo.known[bytes] = node;
     memo.lastNode = nullptr;
+}
+
+void DatabaseData::Resolver::keepName(Node& record) {
+    constexpr int kName = 2;
+    for (const Names table : {Names::kLayers, Names::kLinetypes, Names::kStyles, Names::kBlocks}) {
+        if (record.owner == nullptr || tableOf(table) != record.owner || record.offset == 0) continue;
+        std::string_view bytes;
+        forEachGroup(*data.source, record, [&bytes](const Group& group) {
+            if (group.code == kName) bytes = group.raw();
+            return true;
+        });
+        if (!bytes.empty() && memos[static_cast<int>(table)].known.count(bytes) == 0)
+            set(table, bytes, &record);
+    }
 }
 
 } // namespace lm::drawing

@@ -23,6 +23,9 @@ struct DatabaseData::Resolver {
     }
     /// Lets a name stand for an entry.
     void set(Names table, std::string_view bytes, Node* node);
+    /// Lets the name that a record has in the source stand for it from now on, whatever it is called
+    /// afterwards.
+    void keepName(Node& record);
     /// Forgets everything: the tables changed.
     void clear() {
         for (Memo& memo : memos) memo = Memo();

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
-// One table for each class that the database reads: group code, name, kind of value, and how it goes into the
-// object. The same tables serve the reader, the checks and the documentation page.
+// One table for each class that the database reads: group code, name, kind of value, how it goes into the
+// object and how it comes out again. The same tables serve the reader, the writer, the checks and the
+// documentation page.
 #pragma once
 
-#include "dxf/cursor.h"
-#include "model/databasedata.h"
+#include "dxf/outgroups.h"
 
 #include <functional>
 #include <span>
 
 namespace lm::drawing {
+
+constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 /// What reading one object needs, and what it meets.
 struct ReadContext {
@@ -20,10 +22,17 @@ struct ReadContext {
     bool badText = false; ///< bytes that the code page doesn't know
 
     double real(const Group& group) { return values.real(group, bad); }
-    double angle(const Group& group) { return values.real(group, bad) * 0.017453292519943295; }
+    double angle(const Group& group) { return values.real(group, bad) * kRadiansPerDegree; }
     int integer(const Group& group) { return static_cast<int>(values.integer(group, bad)); }
     OdString text(const Group& group) { return values.text(group, badText); }
     OdString sharedText(const Group& group) { return values.sharedText(group, badText); }
+};
+
+/// What the value of a field depends on besides the object.
+struct ValueContext {
+    int code = 0; ///< of the group that is asked for
+    /// The number that the group has in the source, 0 for none: for values that the object knows in part.
+    long long old = 0;
 };
 
 /// One row: a field of a class.
@@ -32,7 +41,13 @@ struct FieldSpec {
     const char* name;
     const char* type;
     void (*read)(OdDbObject& object, const Group& group, ReadContext& context);
+    /// The value of the group; false where the object has none and the group is left out. Null for the groups
+    /// of lists, which are written together: vertices, parts of texts, entries of dictionaries.
+    bool (*value)(const OdDbObject& object, const ValueContext& context, OutGroup::Value& value);
 };
+
+/// The degrees that are read as this angle, or the nearest there are.
+double degreesOf(double radians) noexcept;
 
 /// The fields of a class, found by group code in one step.
 class ClassSpec {

@@ -24,6 +24,16 @@ OdDbBlockReference::OdDbBlockReference(const OdDbBlockReference& other)
         }
 }
 
+OdDbBlockReference& OdDbBlockReference::operator=(const OdDbBlockReference& other) {
+    OdDbEntity::operator=(other);
+    m_position = other.m_position;
+    m_normal = other.m_normal;
+    m_scale = other.m_scale;
+    m_rotation = other.m_rotation;
+    m_block = other.m_block;
+    return *this; // attributes are objects of their own
+}
+
 void OdDbBlockReference::setPosition(const OdGePoint3d& point) {
     beginChange();
     m_position = point;
@@ -49,10 +59,7 @@ void OdDbBlockReference::setBlockTableRecord(OdDbObjectId id) {
     // The other drawing would keep this reference in its list when this drawing is gone.
     if (isDBRO() && id.isValid() && id.database() != database()) throw OdError(eInvalidInput);
     beginChange();
-    if (isDBRO()) {
-        lm::drawing::removeReference(m_block, objectId().node());
-        lm::drawing::addReference(id, objectId().node());
-    }
+    if (isDBRO()) lm::drawing::moveReference(m_block, id, objectId().node());
     m_block = id;
 }
 
@@ -90,7 +97,7 @@ OdDbObjectId OdDbBlockReference::appendAttribute(OdSmartPtr<OdDbAttribute> attri
 void OdDbBlockReference::subBecomeResident() {
     OdDbEntity::subBecomeResident();
     if (m_block.isValid() && m_block.database() != database()) m_block = OdDbObjectId::kNull;
-    lm::drawing::addReference(m_block, objectId().node());
+    lm::drawing::moveReference(OdDbObjectId::kNull, m_block, objectId().node());
     if (!m_outside) return;
     const auto waiting = std::move(m_outside);
     for (const OdSmartPtr<OdDbAttribute>& attribute : *waiting) {

@@ -86,6 +86,11 @@ void OdDbArc::setEndAngle(double radians) {
     m_endAngle = radians;
 }
 
+void OdDbArc::setNormal(const OdGeVector3d& normal) {
+    beginChange();
+    m_normal = normal;
+}
+
 OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const PlaneTransform plane(matrix, m_normal);
     if (!plane.isUniform()) return eNotApplicable;
@@ -115,6 +120,21 @@ void OdDbEllipse::setMajorAxis(const OdGeVector3d& axis) {
 void OdDbEllipse::setRadiusRatio(double ratio) {
     beginChange();
     m_ratio = ratio;
+}
+
+void OdDbEllipse::setNormal(const OdGeVector3d& normal) {
+    beginChange();
+    m_normal = normal;
+}
+
+void OdDbEllipse::setStartParam(double radians) {
+    beginChange();
+    m_startParam = radians;
+}
+
+void OdDbEllipse::setEndParam(double radians) {
+    beginChange();
+    m_endParam = radians;
 }
 
 OdResult OdDbEllipse::transformBy(const OdGeMatrix3d& matrix) {
@@ -152,6 +172,22 @@ void OdDbPolyline::addVertexAt(unsigned int index, const OdGePoint2d& point, dou
 void OdDbPolyline::setClosed(bool closed) {
     beginChange();
     m_polylineFlags = static_cast<short>(closed ? m_polylineFlags | 1 : m_polylineFlags & ~1);
+}
+
+void OdDbPolyline::setPointAt(unsigned int index, const OdGePoint2d& point) {
+    if (index >= m_vertices.size()) throw OdError_InvalidIndex(static_cast<long>(index));
+    beginChange();
+    m_vertices[index].point = point;
+}
+
+void OdDbPolyline::setElevation(double elevation) {
+    beginChange();
+    m_elevation = elevation;
+}
+
+void OdDbPolyline::setNormal(const OdGeVector3d& normal) {
+    beginChange();
+    m_normal = normal;
 }
 
 OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {

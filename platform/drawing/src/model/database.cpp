@@ -6,6 +6,8 @@
 #include "dxf/resolver.h"
 #include "model/databasedata.h"
 
+#include <algorithm>
+
 using lm::drawing::DatabaseData;
 using lm::drawing::Node;
 using lm::drawing::ObjectAccess;
@@ -89,6 +91,7 @@ OdGePoint3d OdDbDatabase::getINSBASE() const {
     return m_data->basePoint;
 }
 void OdDbDatabase::setINSBASE(const OdGePoint3d& point) {
+    m_data->undo.file(nullptr, lm::drawing::UndoRecord::BasePoint{m_data->basePoint});
     m_data->basePoint = point;
 }
 
@@ -132,25 +135,109 @@ bool OdDbDatabase::setSysVar(const OdString& name, OdSmartPtr<OdResBuf> value) {
     const OdDbObjectId id = value->getObjectId();
     if (!id.isValid() || id.isErased() || id.database() != this) return false;
     if (OdDbLayerTableRecord::cast(id.openObject().get()) == nullptr) return false;
+    m_data->undo.file(nullptr, lm::drawing::UndoRecord::CurrentLayer{m_data->currentLayer});
     m_data->currentLayer = id.node();
     return true;
 }
 
+namespace {
+
+template<class R>
+void attach(std::vector<R*>& list, R* reactor) {
+    if (reactor != nullptr && std::find(list.begin(), list.end(), reactor) == list.end())
+        list.push_back(reactor);
+}
+
+template<class R>
+void detach(std::vector<R*>& list, R* reactor) {
+    list.erase(std::remove(list.begin(), list.end(), reactor), list.end());
+}
+
+} // namespace
+
+void OdDbDatabase::addReactor(OdDbDatabaseReactor* reactor) {
+    attach(m_data->events.reactors, reactor);
+}
+void OdDbDatabase::removeReactor(OdDbDatabaseReactor* reactor) {
+    detach(m_data->events.reactors, reactor);
+}
+void OdDbDatabase::addTransactionReactor(OdDbTransactionReactor* reactor) {
+    attach(m_data->events.transactionReactors, reactor);
+}
+void OdDbDatabase::removeTransactionReactor(OdDbTransactionReactor* reactor) {
+    detach(m_data->events.transactionReactors, reactor);
+}
+
+void OdDbDatabase::startTransaction() {
+    m_data->undo.startTransaction();
+}
+
+void OdDbDatabase::endTransaction() {
+    lm::drawing::UndoLog& undo = m_data->undo;
+    if (undo.transactions() == 0) return;
+    std::exception_ptr first;
+    if (undo.transactions() == 1) {
+        try {
+            undo.tellPending(undo.outermostStart());
+        } catch (...) {
+            first = std::current_exception(); // the transaction ends all the same
+        }
+    }
+    if (undo.endTransaction()) {
+        try {
+            m_data->events.tellTransaction(
+                [this](OdDbTransactionReactor& reactor) { reactor.transactionEnded(this); });
+        } catch (...) {
+            if (!first) first = std::current_exception();
+        }
+    }
+    if (first) std::rethrow_exception(first);
+}
+
+void OdDbDatabase::abortTransaction() {
+    if (m_data->undo.transactions() != 0) m_data->undo.abortTransaction();
+}
+
+unsigned int OdDbDatabase::numActiveTransactions() const {
+    return m_data->undo.transactions();
+}
+
+bool OdDbDatabase::isUndoRecording() const {
+    return m_data->undo.isRecordingWanted();
+}
+void OdDbDatabase::setUndoRecording(bool recording) {
+    m_data->undo.setRecording(recording);
+}
+bool OdDbDatabase::undo() {
+    return m_data->undo.undo();
+}
+bool OdDbDatabase::redo() {
+    return m_data->undo.redo();
+}
+unsigned int OdDbDatabase::redoSteps() const {
+    return m_data->undo.redoSteps();
+}
+std::size_t OdDbDatabase::undoRecords() const {
+    return m_data->undo.records();
+}
+unsigned long long OdDbDatabase::changeCount() const {
+    return m_data->undo.changes();
+}
+
 bool OdDbDatabase::isUndoBlockStarted() const {
-    return m_data->undoBlock;
+    return m_data->undo.isBlockOpen();
 }
 
 void OdDbDatabase::blockUndoRecording(bool begin) {
-    m_data->undoBlock = begin;
+    m_data->undo.setBlock(begin);
 }
 
 void OdDbDatabase::startUndoRecord() {
-    // Marks that come inside a block belong to its one step.
-    if (!m_data->undoBlock) ++m_data->undoMarkCount;
+    m_data->undo.mark();
 }
 
 unsigned int OdDbDatabase::undoMarks() const {
-    return m_data->undoMarkCount;
+    return m_data->undo.marks();
 }
 
 OdString OdDbDatabase::getFilename() const {
@@ -174,7 +261,7 @@ const lm::drawing::Report& OdDbDatabase::report() const {
 
 namespace lm::drawing {
 
-DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), nodes(db), handles(db.m_handles) {}
+DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), nodes(db), handles(db.m_handles), undo(*this) {}
 
 DatabaseData::~DatabaseData() {
     // Objects that somebody still holds live on outside; what they need of the source is read now. After that
@@ -232,7 +319,9 @@ void registerApplication(DatabaseData& data, const OdString& name) {
     ObjectAccess::setName(*record, name);
     Node* const entry = data.adopt(record, kKindAppid);
     entry->flags |= Node::kTableRecord;
+    data.undo.file(entry, UndoRecord::Append{table->lastPart, true});
     table->appendPart(entry);
+    table->flags |= Node::kDirty;
     ObjectAccess::enterName(*static_cast<OdDbSymbolTable*>(data.bodyOf(table)), name, entry);
     ObjectAccess::setRefs(*record, 0);
 }

@@ -3,8 +3,11 @@
 #pragma once
 
 #include "dxf/source.h"
+#include "model/events.h"
 #include "model/handleindex.h"
 #include "model/kinds.h"
+#include "model/rawgroups.h"
+#include "model/undolog.h"
 
 #include "drawing/blockreference.h"
 #include "drawing/database.h"
@@ -50,6 +53,8 @@ struct FixedEntries {
     Node* byLayer = nullptr;
     Node* continuous = nullptr;
     Node* standardStyle = nullptr;
+    Node* dimstyleTable = nullptr; ///< null where the drawing has none, as the next one
+    Node* ucsTable = nullptr;
 };
 
 struct DatabaseData {
@@ -63,7 +68,7 @@ struct DatabaseData {
     FixedEntries fixed;
     std::uint64_t nextHandle = 1;
 
-    std::unique_ptr<Source> source; ///< null for a drawing that came from no file
+    std::shared_ptr<Source> source; ///< null for a drawing that came from no file; copies of objects share it
     std::vector<HeaderVariable> header;
     std::vector<Section> sections;
     std::vector<BlockFrame> frames;
@@ -78,8 +83,13 @@ struct DatabaseData {
     OdGePoint3d basePoint;
 
     unsigned int silentRegistrations = 0;
-    bool undoBlock = false;
-    unsigned int undoMarkCount = 0;
+    /// Tells the databases of raw groups apart: handles in groups with this mark are handles of this
+    /// database.
+    std::shared_ptr<const char> identity = std::make_shared<const char>('\0');
+    /// By the letters that names of anonymous blocks begin with, the lowest number that may be free.
+    std::unordered_map<std::string, unsigned> nextAnonymous;
+    UndoLog undo;
+    Events events;
 
     /// An entry with a body, a free handle and a place in the index.
     Node* adopt(OdDbObject* body, std::uint16_t kind);
@@ -106,6 +116,41 @@ struct ObjectAccess {
     }
     static void detachFromDatabase(OdDbObject& object);
     static void becomeResident(OdDbObject& object) { object.subBecomeResident(); }
+    enum Flag : unsigned short { kImaged = OdDbObject::kImaged, kXDataChanged = OdDbObject::kXDataChanged };
+    static bool hasFlag(const OdDbObject& object, Flag flag) { return (object.m_flags & flag) != 0; }
+    static void setFlag(OdDbObject& object, Flag flag, bool on) {
+        object.m_flags = static_cast<unsigned short>(on ? object.m_flags | flag : object.m_flags & ~flag);
+    }
+    static OdDbObject* newState(const OdDbObject& object) { return object.newState(); }
+    /// The groups that an object carries along; null for none. See rawgroups.h.
+    static const RawGroups* raw(const OdDbObject& object) { return object.m_raw; }
+    static void setRaw(OdDbObject& object, RawPointer raw);
+    static bool hasXData(const OdDbObject& object) { return !object.allXData().empty(); }
+    /// Calls `visit` with the name of each application that an object has data of.
+    template<class F>
+    static void forEachApplication(const OdDbObject& object, F&& visit) {
+        for (const auto& entry : object.allXData()) visit(entry.application);
+    }
+    /// Gives the handles under 1005 of an object that is new in its database other values.
+    static void translateXData(OdDbObject& object, const std::function<OdString(const OdString&)>& handle);
+    static void takeState(OdDbObject& object, const OdDbObject& state) { object.takeState(state); }
+    /// Lets an object forget what it would tell at its closing.
+    static void clearPending(OdDbObject& object) {
+        constexpr int kPending =
+            OdDbObject::kNew | OdDbObject::kChanged | OdDbObject::kAnnounced | OdDbObject::kImaged;
+        object.m_flags = static_cast<unsigned short>(object.m_flags & ~kPending);
+    }
+    static void tellClosed(OdDbObject& object) {
+        if (object.closeNeedsTelling()) object.tellClosed();
+    }
+    static void addEntry(OdDbDictionary& dictionary, const OdString& name, OdDbObjectId id);
+    static void takeEntry(OdDbDictionary& dictionary);
+    /// All entries of a dictionary, those without an object and those with an erased one, too; files nothing.
+    static std::vector<std::pair<OdString, OdDbObjectId>> entries(const OdDbDictionary& dictionary);
+    static void setEntries(OdDbDictionary& dictionary,
+                           const std::vector<std::pair<OdString, OdDbObjectId>>& entries);
+    /// Lets a name of a table stand for a record, or for nothing; files nothing.
+    static void setNamed(OdDbSymbolTable& table, const OdString& name, Node* node);
     static void setRefs(OdDbObject& object, unsigned refs) { object.m_refs = refs; }
     static unsigned refs(const OdDbObject& object) { return object.m_refs; }
     static void setName(OdDbSymbolTableRecord& record, const OdString& name) { record.m_name = name; }
@@ -115,6 +160,7 @@ struct ObjectAccess {
     static void expectNames(OdDbSymbolTable& table, std::size_t names);
     static void leaveName(OdDbSymbolTable& table, const OdString& name, Node* node);
     static Node* findName(const OdDbSymbolTable& table, const OdString& name);
+    static void addPart(OdDbUnreadEntity& entity, OdSmartPtr<OdDbEntity> part);
     static std::vector<Node*>& references(OdDbBlockTableRecord& block) { return block.m_references; }
     static OdDbObjectId& layerOf(OdDbEntity& entity) { return entity.m_layer; }
     static std::vector<OdSmartPtr<OdDbAttribute>>* outsideAttributes(const OdDbBlockReference& reference) {
@@ -129,6 +175,8 @@ Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, N
 /// Enters an application id that the table lacks; the silent registration of extended data.
 void registerApplication(DatabaseData& data, const OdString& name);
 
+/// A new table without records.
+Node* makeTable(DatabaseData& data);
 /// Fills a database with what every drawing has.
 void addDefaults(DatabaseData& data);
 /// Makes the parts that every drawing has and this one lacks; tells which.

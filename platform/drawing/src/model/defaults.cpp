@@ -5,15 +5,14 @@
 
 namespace lm::drawing {
 
-namespace {
-
-/// A table without records.
 Node* makeTable(DatabaseData& data) {
     auto* table = new OdDbSymbolTable();
     Node* const node = data.adopt(table, kKindTable);
     ObjectAccess::setRefs(*table, 0);
     return node;
 }
+
+namespace {
 
 template<class T>
 Node* addRecord(DatabaseData& data, Node* table, std::uint16_t kind, std::string_view name) {

@@ -8,11 +8,15 @@ using lm::drawing::Node;
 
 LM_RX_DEFINE_ABSTRACT(OdDbObjectIterator, OdRxObject)
 LM_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject)
-LM_RX_DEFINE(OdDbUnreadEntity, OdDbEntity)
 
 namespace {
 const OdString kLayerZero = lm::drawing::odText("0");
+
+/// An id of another drawing would name an object that may go while the entity stays.
+void refuseForeign(const OdDbEntity& entity, OdDbObjectId id) {
+    if (entity.isDBRO() && !id.isNull() && id.database() != entity.database()) throw OdError(eInvalidInput);
 }
+} // namespace
 
 const OdString& OdDbEntity::layer() const {
     if (!m_layer.isValid()) return kLayerZero;
@@ -33,6 +37,7 @@ void OdDbEntity::setLayer(const OdString& name) {
 void OdDbEntity::setLayer(OdDbObjectId id) {
     const OdSmartPtr<OdDbLayerTableRecord> record(id.openObject(OdDb::kForRead, true));
     if (record.isNull()) throw OdError(eKeyNotFound);
+    refuseForeign(*this, id);
     beginChange();
     m_layer = id;
 }
@@ -43,6 +48,7 @@ void OdDbEntity::setColor(const OdCmColor& color) {
 }
 
 void OdDbEntity::setLinetype(OdDbObjectId id) {
+    refuseForeign(*this, id);
     beginChange();
     m_linetype = id;
 }
@@ -69,6 +75,8 @@ void OdDbEntity::setVisible(bool visible) {
 
 void OdDbEntity::setPropertiesFrom(const OdDbEntity* other) {
     if (other == nullptr) return;
+    refuseForeign(*this, other->m_layer);
+    refuseForeign(*this, other->m_linetype);
     beginChange();
     m_layer = other->m_layer;
     m_linetype = other->m_linetype;
@@ -79,6 +87,14 @@ void OdDbEntity::setPropertiesFrom(const OdDbEntity* other) {
 }
 
 OdResult OdDbEntity::transformBy(const OdGeMatrix3d&) {
+    return eNotApplicable;
+}
+
+OdResult OdDbEntity::explode(OdArray<OdSmartPtr<OdDbEntity>>&) const {
+    return eNotApplicable;
+}
+
+OdResult OdDbEntity::getGeomExtents(OdGeExtents3d&) const {
     return eNotApplicable;
 }
 

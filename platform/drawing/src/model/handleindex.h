@@ -37,6 +37,16 @@ public:
         ++m_objects;
     }
 
+    /// Forgets an object; a handle that isn't its own stays.
+    void remove(std::uint64_t handle, const Node* node) noexcept {
+        if (handle < m_dense.size()) {
+            if (m_dense[static_cast<std::size_t>(handle)] == node)
+                m_dense[static_cast<std::size_t>(handle)] = nullptr;
+        } else if (const auto found = m_far.find(handle); found != m_far.end() && found->second == node) {
+            m_far.erase(found);
+        }
+    }
+
 private:
     static constexpr std::size_t kSpare = 256;
     /// Makes the array longer; handles that lay far out until now and lie inside it then move over.

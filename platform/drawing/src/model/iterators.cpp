@@ -95,17 +95,22 @@ OdSmartPtr<OdDbObjectIterator> attributesOf(const OdDbBlockReference& reference)
     return walk;
 }
 
-void addReference(OdDbObjectId block, Node* reference) {
-    if (OdDbBlockTableRecord* record = recordOf(block))
-        ObjectAccess::references(*record).push_back(reference);
-}
-
-void removeReference(OdDbObjectId block, Node* reference) {
-    OdDbBlockTableRecord* const record = recordOf(block);
-    if (record == nullptr) return;
-    std::vector<Node*>& all = ObjectAccess::references(*record);
-    const auto found = std::find(all.rbegin(), all.rend(), reference);
-    if (found != all.rend()) all.erase(std::next(found).base());
+void moveReference(OdDbObjectId from, OdDbObjectId to, Node* reference) {
+    OdDbBlockTableRecord* const left = recordOf(from);
+    OdDbBlockTableRecord* const entered = recordOf(to);
+    UndoRecord::Reference change{nullptr, 0, entered != nullptr ? to.node() : nullptr};
+    if (left != nullptr) {
+        std::vector<Node*>& all = ObjectAccess::references(*left);
+        const auto found = std::find(all.rbegin(), all.rend(), reference);
+        if (found != all.rend()) {
+            change.from = from.node();
+            change.index = static_cast<std::size_t>(std::next(found).base() - all.begin());
+            all.erase(std::next(found).base());
+        }
+    }
+    if (entered != nullptr) ObjectAccess::references(*entered).push_back(reference);
+    if (change.from != nullptr || change.to != nullptr)
+        reference->database()->data().undo.file(reference, change);
 }
 
 } // namespace lm::drawing

@@ -12,8 +12,7 @@ OdSmartPtr<OdDbObjectIterator> partsOf(Node* owner);
 /// A walk over the attributes of a reference, in a database or outside.
 OdSmartPtr<OdDbObjectIterator> attributesOf(const OdDbBlockReference& reference);
 
-/// Enters a reference into, and takes it out of, the list of the block that it shows. Null changes nothing.
-void addReference(OdDbObjectId block, Node* reference);
-void removeReference(OdDbObjectId block, Node* reference);
+/// Takes a reference out of the list of one block and enters it at the end of another's; either may be null.
+void moveReference(OdDbObjectId from, OdDbObjectId to, Node* reference);
 
 } // namespace lm::drawing

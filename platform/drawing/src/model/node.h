@@ -30,7 +30,8 @@ struct alignas(64) Node {
         kDirty = 4,  ///< differs from its source
         kPaper = 8,  ///< marked for paper space in the file
         kTableRecord = 16,
-        kFramed = 32 ///< a block whose BLOCK entry was found
+        kFramed = 32, ///< a block whose BLOCK entry was found
+        kGone = 64    ///< its appending was taken back: no id of it is valid
     };
     /// The database, null once it went. Only for entries of an arena.
     inline OdDbDatabase* database() const noexcept;
@@ -39,7 +40,7 @@ struct alignas(64) Node {
     /// Neither erased itself nor below an erased owner.
     bool isLive() const noexcept {
         for (const Node* at = this; at != nullptr; at = at->owner)
-            if (at->isErased()) return false;
+            if ((at->flags & (kErased | kGone)) != 0) return false;
         return true;
     }
     void appendPart(Node* part) noexcept {

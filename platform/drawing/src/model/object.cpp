@@ -19,7 +19,7 @@ LM_RX_DEFINE(OdDbUnreadObject, OdDbObject)
 const OdDbObjectId OdDbObjectId::kNull;
 
 bool OdDbObjectId::isValid() const noexcept {
-    return m_node != nullptr && m_node->database() != nullptr;
+    return m_node != nullptr && m_node->database() != nullptr && !m_node->has(Node::kGone);
 }
 
 bool OdDbObjectId::isErased() const noexcept {
@@ -42,16 +42,32 @@ OdSmartPtr<OdDbObject> OdDbObjectId::openObject(OdDb::OpenMode mode, bool openEr
     return OdSmartPtr<OdDbObject>(body);
 }
 
-OdDbObject::OdDbObject(const OdDbObject& other) : OdRxObject(other), m_flags(kNew) {
-    const std::vector<XData>& source = other.allXData();
-    if (source.empty()) return;
-    m_xdata = std::make_unique<std::vector<XData>>();
-    for (const XData& entry : source)
-        m_xdata->push_back(
-            {entry.application, entry.chain.isNull() ? entry.chain : entry.chain->cloneChain()});
+OdDbObject::OdDbObject(const OdDbObject& other) : OdRxObject(other) {
+    *this = other;
+    if (m_raw == nullptr) ObjectAccess::setRaw(*this, lm::drawing::rawGroupsOf(other));
 }
 
-OdDbObject::~OdDbObject() = default;
+OdDbObject& OdDbObject::operator=(const OdDbObject& other) {
+    // A stored chain is never changed, only replaced, so copies share it.
+    const std::vector<XData>& source = other.allXData();
+    m_xdata = source.empty() ? nullptr : std::make_unique<std::vector<XData>>(source);
+    m_flags |= kXDataRead | kXDataChanged;
+    if (other.m_raw != nullptr) other.m_raw->addRef();
+    ObjectAccess::setRaw(*this, lm::drawing::RawPointer(other.m_raw));
+    return *this;
+}
+
+OdDbObject* OdDbObject::newState() const {
+    throw OdError(eNotApplicable, lm::drawing::odText("an object of this class can't be changed"));
+}
+
+void OdDbObject::takeState(const OdDbObject&) {
+    throw OdError(eNotApplicable, lm::drawing::odText("an object of this class can't be changed"));
+}
+
+OdDbObject::~OdDbObject() {
+    if (m_raw != nullptr) m_raw->release();
+}
 
 void* OdDbObject::operator new(std::size_t size) {
     if (lm::drawing::allocationFailsNow()) throw std::bad_alloc();
@@ -70,12 +86,32 @@ OdDbObjectId OdDbObject::ownerId() const {
     return OdDbObjectId(m_node != nullptr && m_node->database() != nullptr ? m_node->owner : nullptr);
 }
 
-void OdDbObject::lastReleased() {
+void OdDbObject::lastReleased() noexcept {
     if (m_node == nullptr) {
         delete this;
         return;
     }
-    m_flags &= static_cast<unsigned short>(~kWriteEnabled);
+    m_flags &= static_cast<unsigned short>(~(kWriteEnabled | kAnnounced));
+    if (!closeNeedsTelling()) return;
+    try {
+        tellClosed();
+    } catch (...) {
+        lm::drawing::dropException();
+    }
+}
+
+void OdDbObject::tellClosed() {
+    const bool isNew = (m_flags & kNew) != 0;
+    m_flags &= static_cast<unsigned short>(~(kNew | kChanged | kAnnounced));
+    OdDbDatabase* const db = m_node->database();
+    if (db == nullptr || !db->data().events.isAnybodyThere()) return;
+    const OdSmartPtr<OdDbObject> held(this);
+    db->data().events.tell([&](OdDbDatabaseReactor& reactor) {
+        if (isNew)
+            reactor.objectAppended(db, this);
+        else
+            reactor.objectModified(db, this);
+    });
 }
 
 void OdDbObject::upgradeOpen() {
@@ -83,13 +119,24 @@ void OdDbObject::upgradeOpen() {
 }
 
 void OdDbObject::downgradeOpen() {
-    m_flags &= static_cast<unsigned short>(~kWriteEnabled);
+    m_flags &= static_cast<unsigned short>(~(kWriteEnabled | kAnnounced));
+    if (closeNeedsTelling()) tellClosed();
 }
 
-void OdDbObject::assertWriteEnabled(bool, bool recordModified) {
+void OdDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
-    if (m_node == nullptr || !recordModified) return;
-    m_flags |= kModified;
+    if (m_node == nullptr) return;
+    if (autoUndo) {
+        DatabaseData& data = m_node->database()->data();
+        if ((m_flags & (kAnnounced | kNew)) == 0) {
+            m_flags |= kAnnounced;
+            data.events.tell(
+                [&](OdDbDatabaseReactor& reactor) { reactor.objectOpenedForModify(&data.database, this); });
+        }
+        data.undo.fileState(*this);
+    }
+    if (!recordModified) return;
+    m_flags |= kModified | kChanged;
     m_node->flags |= Node::kDirty;
 }
 
@@ -102,10 +149,14 @@ OdResult OdDbObject::erase(bool erasing) {
         return eOk;
     }
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
-    if (erasing)
-        m_node->flags |= Node::kErased;
-    else
-        m_node->flags &= static_cast<std::uint8_t>(~Node::kErased);
+    if (m_node->isErased() == erasing) return eOk;
+    // Who hears that an object went has heard before that it came.
+    if ((m_flags & kNew) != 0) tellClosed();
+    DatabaseData& data = m_node->database()->data();
+    data.undo.file(m_node, lm::drawing::UndoRecord::Erase());
+    m_node->flags ^= Node::kErased;
+    data.events.tell(
+        [&](OdDbDatabaseReactor& reactor) { reactor.objectErased(&data.database, this, erasing); });
     return eOk;
 }
 
@@ -181,6 +232,7 @@ void OdDbObject::storeXData(OdSmartPtr<OdResBuf> chain, bool keepLone) {
     if (chain.isNull()) return;
     if (chain->restype() != kApplication) throw OdError(eInvalidInput);
     beginChange();
+    m_flags |= kXDataChanged;
     std::vector<XData>& all = changeableXData();
     OdSmartPtr<OdResBuf> at = chain->cloneChain();
     while (!at.isNull()) {
@@ -211,19 +263,32 @@ namespace lm::drawing {
 
 void ObjectAccess::detachFromDatabase(OdDbObject& object) {
     object.allXData();
+    setRaw(object, withoutHandles(rawGroupsOf(object)));
     object.m_node = nullptr;
 }
 
 Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart) {
     if (object.isDBRO()) throw OdError(eAlreadyInDatabase);
     const bool erased = object.isErased();
+    if (object.m_raw != nullptr) {
+        if (kind == kKindNone || kind == kKindDictionary) kind = data.kinds.indexOf(object.m_raw->kind());
+        if (object.m_raw->kind() != data.kinds.name(kind))
+            ObjectAccess::setRaw(object, {}); // a text that was made of an attribute
+        else if (object.m_raw->home() != data.identity)
+            ObjectAccess::setRaw(object, withoutHandles(rawGroupsOf(object), data.identity));
+    }
     Node* const node = data.adopt(&object, kind);
     if (erased) node->flags |= Node::kErased;
+    data.undo.file(node, UndoRecord::Append{asPart ? owner->lastPart : nullptr, asPart});
     if (asPart)
         owner->appendPart(node);
     else
         node->owner = owner;
-    object.m_flags |= OdDbObject::kWriteEnabled | OdDbObject::kModified | OdDbObject::kXDataRead;
+    // An object that came in this step goes whole when the step is taken back, and needs no image.
+    const int imaged = data.undo.isRecording() ? OdDbObject::kImaged : 0;
+    object.m_flags = static_cast<unsigned short>(
+        (object.m_flags & ~OdDbObject::kErasedOutside) | OdDbObject::kWriteEnabled | OdDbObject::kModified |
+        OdDbObject::kXDataRead | OdDbObject::kXDataChanged | OdDbObject::kNew | imaged);
     if (object.m_xdata)
         for (const auto& entry : *object.m_xdata) registerApplication(data, entry.application);
     ObjectAccess::becomeResident(object);

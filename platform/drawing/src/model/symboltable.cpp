@@ -2,6 +2,7 @@
 #include "drawing/symboltable.h"
 
 #include "base/rxclass.h"
+#include "dxf/resolver.h"
 #include "model/databasedata.h"
 #include "model/iterators.h"
 #include "model/names.h"
@@ -53,6 +54,12 @@ struct OdDbSymbolTable::Names {
 OdDbSymbolTable::OdDbSymbolTable() : m_names(std::make_unique<Names>()) {}
 OdDbSymbolTable::~OdDbSymbolTable() = default;
 
+OdDbSymbolTable& OdDbSymbolTable::operator=(const OdDbSymbolTable& other) {
+    OdDbObject::operator=(
+        other); // names belong to the table's place; the undo log has records of its own for them
+    return *this;
+}
+
 OdDbObjectId OdDbSymbolTable::getAt(const OdString& name) const {
     Node* const found = m_names->map.find(name.view());
     return OdDbObjectId(found != nullptr && !found->isErased() ? found : nullptr);
@@ -75,7 +82,7 @@ OdDbObjectId OdDbSymbolTable::add(OdSmartPtr<OdDbSymbolTableRecord> record) {
                                                   lm::drawing::recordKind(*record.get()), table, true);
     entry->flags |= Node::kTableRecord;
     table->flags |= Node::kDirty;
-    m_names->map.set(record->getName(), entry);
+    ObjectAccess::enterName(*this, record->getName(), entry);
     return OdDbObjectId(entry);
 }
 
@@ -94,11 +101,27 @@ std::uint16_t recordKind(const OdDbSymbolTableRecord& record) {
     if (record.isKindOf(OdDbLinetypeTableRecord::desc())) return kKindLtype;
     if (record.isKindOf(OdDbTextStyleTableRecord::desc())) return kKindStyle;
     if (record.isKindOf(OdDbViewportTableRecord::desc())) return kKindVport;
-    return kKindView;
+    return record.isKindOf(OdDbViewTableRecord::desc()) ? kKindView : kKindNone;
 }
 
+namespace {
+
+void fileName(const OdDbSymbolTable& table, const OdString& name, Node* before, Node* after) {
+    table.database()->data().undo.file(table.objectId().node(), UndoRecord::Name{name, before, after});
+}
+
+} // namespace
+
 void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    fileName(table, name, table.m_names->map.find(name.view()), node);
     table.m_names->map.set(name, node);
+}
+
+void ObjectAccess::setNamed(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    if (node != nullptr)
+        table.m_names->map.set(name, node);
+    else
+        table.m_names->map.remove(name.view());
 }
 
 bool ObjectAccess::enterNewName(OdDbSymbolTable& table, const OdString& name, Node* node) {
@@ -110,7 +133,9 @@ void ObjectAccess::expectNames(OdDbSymbolTable& table, std::size_t names) {
 }
 
 void ObjectAccess::leaveName(OdDbSymbolTable& table, const OdString& name, Node* node) {
-    if (table.m_names->map.find(name.view()) == node) table.m_names->map.remove(name.view());
+    if (table.m_names->map.find(name.view()) != node) return;
+    fileName(table, name, node, nullptr);
+    table.m_names->map.remove(name.view());
 }
 
 Node* ObjectAccess::findName(const OdDbSymbolTable& table, const OdString& name) {
@@ -129,6 +154,8 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
     }
     beginChange();
     if (table != nullptr) {
+        // Entities that nobody opened yet still name the record as the file does.
+        if (const auto& resolver = database()->data().resolver) resolver->keepName(*objectId().node());
         ObjectAccess::leaveName(*table, m_name, objectId().node());
         ObjectAccess::enterName(*table, name, objectId().node());
     }
@@ -229,6 +256,12 @@ OdDbBlockTableRecord::OdDbBlockTableRecord() = default;
 OdDbBlockTableRecord::~OdDbBlockTableRecord() = default;
 OdDbBlockTableRecord::OdDbBlockTableRecord(const OdDbBlockTableRecord& other)
     : OdDbSymbolTableRecord(other), m_origin(other.m_origin) {}
+
+OdDbBlockTableRecord& OdDbBlockTableRecord::operator=(const OdDbBlockTableRecord& other) {
+    OdDbSymbolTableRecord::operator=(other);
+    m_origin = other.m_origin; // the list of references belongs to the place and not to the fields
+    return *this;
+}
 
 void OdDbBlockTableRecord::setOrigin(const OdGePoint3d& origin) {
     beginChange();

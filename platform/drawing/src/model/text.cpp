@@ -126,6 +126,15 @@ OdDbAttribute::OdDbAttribute(const OdDbAttribute& other)
     : OdDbText(other), m_tag(other.m_tag), m_mtext(copyOf(other.m_mtext.get())),
       m_fieldLength(other.m_fieldLength), m_attributeFlags(other.m_attributeFlags) {}
 
+OdDbAttribute& OdDbAttribute::operator=(const OdDbAttribute& other) {
+    OdDbText::operator=(other);
+    m_tag = other.m_tag;
+    m_mtext = copyOf(other.m_mtext.get());
+    m_fieldLength = other.m_fieldLength;
+    m_attributeFlags = other.m_attributeFlags;
+    return *this;
+}
+
 void OdDbAttribute::setTag(const OdString& tag) {
     beginChange();
     m_tag = tag;
@@ -156,6 +165,16 @@ OdDbAttributeDefinition::~OdDbAttributeDefinition() = default;
 OdDbAttributeDefinition::OdDbAttributeDefinition(const OdDbAttributeDefinition& other)
     : OdDbText(other), m_tag(other.m_tag), m_prompt(other.m_prompt), m_mtext(copyOf(other.m_mtext.get())),
       m_fieldLength(other.m_fieldLength), m_attributeFlags(other.m_attributeFlags) {}
+
+OdDbAttributeDefinition& OdDbAttributeDefinition::operator=(const OdDbAttributeDefinition& other) {
+    OdDbText::operator=(other);
+    m_tag = other.m_tag;
+    m_prompt = other.m_prompt;
+    m_mtext = copyOf(other.m_mtext.get());
+    m_fieldLength = other.m_fieldLength;
+    m_attributeFlags = other.m_attributeFlags;
+    return *this;
+}
 
 void OdDbAttributeDefinition::setTag(const OdString& tag) {
     beginChange();
@@ -204,6 +223,27 @@ void OdDbMText::setLocation(const OdGePoint3d& point) {
 void OdDbMText::setTextHeight(double height) {
     beginChange();
     m_height = height;
+}
+
+void OdDbMText::setDirection(const OdGeVector3d& direction) {
+    beginChange();
+    m_direction = direction;
+    m_rotation = 0;
+}
+
+void OdDbMText::setNormal(const OdGeVector3d& normal) {
+    beginChange();
+    m_normal = normal;
+}
+
+void OdDbMText::setAttachment(int attachment) {
+    beginChange();
+    m_attachment = static_cast<short>(attachment);
+}
+
+void OdDbMText::setTextStyle(OdDbObjectId id) {
+    beginChange();
+    m_style = id;
 }
 
 void OdDbMText::setWidth(double width) {

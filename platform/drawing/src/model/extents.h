@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Boxes of entities.
+#pragma once
+
+#include "model/node.h"
+
+#include "drawing/blockreference.h"
+
+#include <array>
+#include <unordered_map>
+
+namespace lm::drawing {
+
+/// Finds boxes, and remembers those of blocks as long as it lives: nobody may change the drawing meanwhile.
+class ExtentsFinder {
+public:
+    /// Adds the box of an entity; false, with nothing added, when it has none that is known.
+    bool add(const OdDbEntity& entity, OdGeExtents3d& extents);
+
+private:
+    /// A block under the linear part of a transform; its box is that of the block's entities under this part
+    /// alone, to be shifted by who asked.
+    struct Key {
+        Node* block;
+        std::array<double, 9> linear;
+        bool operator==(const Key&) const = default;
+    };
+    struct Hash {
+        std::size_t operator()(const Key& key) const noexcept;
+    };
+    /// A block on its way.
+    struct Frame {
+        Key key;
+        OdGeMatrix3d matrix;
+        Node* next;
+        OdGeExtents3d box;
+    };
+
+    static Key keyOf(Node& block, const OdGeMatrix3d& matrix);
+    static void addMoved(const OdGeExtents3d& box, const OdGeVector3d& by, OdGeExtents3d& extents);
+    bool addReference(const OdDbBlockReference& reference, OdGeExtents3d& extents);
+    OdGeExtents3d boxOf(Node& block, const OdGeMatrix3d& matrix);
+    bool stepInto(const OdDbBlockReference& reference, Frame& frame, Frame& inner);
+    bool isOnItsWay(const Node& block) const;
+
+    std::unordered_map<Key, OdGeExtents3d, Hash> m_known;
+    std::vector<Frame> m_frames;
+    std::unordered_map<const Node*, int> m_onTheirWay;
+};
+
+} // namespace lm::drawing

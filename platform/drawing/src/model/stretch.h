@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// Transforms that classes refuse, since circles become ellipses by them and right angles lean: what shows the
+// same.
+#pragma once
+
+#include "drawing/blockreference.h"
+
+namespace lm::drawing {
+
+/// Moves a text by any transform. A leaning becomes part of the oblique angle; what is mirrored stays
+/// readable.
+void stretchText(OdDbText& text, const OdGeMatrix3d& matrix);
+
+/// Places a reference so that blockTransform becomes `place`, as far as a reference can: its axes keep
+/// directions and lengths along the x axis, and a leaning of the others is dropped. Attributes move by
+/// `attributes`.
+void placeReference(OdDbBlockReference& reference, const OdGeMatrix3d& place, const OdGeMatrix3d& attributes);
+
+/// Adds what shows an entity outside any database under a transform: itself where it can be moved, else
+/// others.
+void addPieces(OdSmartPtr<OdDbEntity> entity, const OdDbDatabase* database, const OdGeMatrix3d& matrix,
+               OdArray<OdSmartPtr<OdDbEntity>>& pieces);
+
+} // namespace lm::drawing
