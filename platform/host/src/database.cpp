@@ -39,3 +39,10 @@ CHostDatabase* CHostDatabase::byNumber(unsigned long long number) {
     const auto at = numbers().living.find(number);
     return at != numbers().living.end() ? at->second : nullptr;
 }
+
+OdDbObjectId CHostDatabase::GetActiveViewportId(OdDbObjectId) const {
+    const OdSmartPtr<OdDbSymbolTable> table(getViewportTableId().openObject());
+    if (table.isNull()) return OdDbObjectId::kNull;
+    const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
+    return walk->done() ? OdDbObjectId::kNull : walk->getRecordId();
+}

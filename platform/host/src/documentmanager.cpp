@@ -107,7 +107,7 @@ void CHostDocumentManager::tellDetached(CHostDocument* document) {
 }
 
 bool CHostDocumentManager::closeDocument(CHostDocument* document) {
-    if (!isOpen(document) || document->getAPI()->callDepth() != 0) return false;
+    if (!isOpen(document) || document->isBusy()) return false;
     if (std::find(m_closing.begin(), m_closing.end(), document) != m_closing.end()) return false;
     m_closing.push_back(document);
     std::exception_ptr thrown;

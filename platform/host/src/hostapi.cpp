@@ -3,11 +3,13 @@
 
 #include "functiontable.h"
 #include "host/database.h"
+#include "host/lisp.h"
 #include "host/session.h"
 #include "wideformat.h"
 
 #include <utility>
 
+CHostAPI::CHostAPI() = default;
 CHostAPI::~CHostAPI() = default;
 
 hst_resbufW* CHostAPI::getArgs() {
@@ -59,6 +61,33 @@ int CHostAPI::invoke(const hst_resbufW* first, hst_resbufW*& result) {
     (*function)(*this);
     result = std::exchange(call.result, nullptr);
     return RTNORM;
+}
+
+int CHostAPI::getSym(const unsigned short* name, hst_resbufW** result) {
+    *result = nullptr;
+    return name == nullptr ? RTERROR : lisp().read(lm::WideView(name, lm::system::wideLength(name)), *result);
+}
+
+int CHostAPI::putSym(const unsigned short* name, const hst_resbufW* list) {
+    return name == nullptr ? RTERROR : lisp().store(lm::WideView(name, lm::system::wideLength(name)), list);
+}
+
+int CHostAPI::evalLisp(const unsigned short* text) {
+    if (text == nullptr) return RTERROR;
+    const lm::WideString program(text); // what is called may change the caller's text
+    const lm::host::LispOutcome outcome = lisp().evaluate(program);
+    if (outcome.ok) return RTNORM;
+    lm::host::writeConsole(outcome.error + lm::system::widen("\n"));
+    return RTERROR;
+}
+
+lm::host::LispSession& CHostAPI::lisp() {
+    if (!m_lisp) m_lisp = std::make_unique<lm::host::LispSession>(*this);
+    return *m_lisp;
+}
+
+bool CHostAPI::isEvaluating() const {
+    return m_lisp && m_lisp->depth() != 0;
 }
 
 int CHostAPI::GetObjectId(const unsigned long long name[2], OdDbObjectId& id) const {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/session.h"
 
+#include "host/database.h"
+#include "host/selection.h"
+
 #include <cstdio>
 #include <ctime>
 #include <deque>
@@ -46,6 +49,7 @@ struct SessionData {
     std::deque<CHostString> lines;
     std::shared_ptr<const TextSink> sink;
     std::map<CHostString, int, NoCaseLess> settings;
+    std::vector<OdDbObjectId> selection;
 };
 
 void setSessionPresent(bool present) {
@@ -118,6 +122,28 @@ int CHostSession::setting(const CHostString& name) const {
 
 void CHostSession::setSetting(const CHostString& name, int value) {
     m_data->settings[name] = value;
+}
+
+hst_resbufW* CHostSession::buildList(short group, const CHostString& text) const {
+    if (!lm::host::isTextCode(group)) return nullptr;
+    hst_resbufW model{};
+    model.restype = group;
+    model.value.text = const_cast<unsigned short*>(text.c_str()); // read and copied, not kept
+    return lm::host::copyChain(&model);
+}
+
+int CHostSession::addToSelection(CHostSelectionSet* set, const unsigned long long name[2]) const {
+    const CHostDatabase* database = CHostDatabase::byNumber(name[1]);
+    if (set == nullptr || database == nullptr) return RTERROR;
+    return set->add(database->getOdDbObjectId(OdDbHandle(name[0]), false, 0)) ? RTNORM : RTERROR;
+}
+
+void CHostSession::setCurrentSelection(const CHostSelectionSet* set) {
+    m_data->selection = set != nullptr ? set->ids() : std::vector<OdDbObjectId>();
+}
+
+const std::vector<OdDbObjectId>& CHostSession::currentSelection() const {
+    return m_data->selection;
 }
 
 CHostSession* hostSession() {

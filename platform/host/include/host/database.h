@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/export.h"
+#include "host/view.h"
 
 #include "drawing/database.h"
 
@@ -19,6 +20,13 @@ public:
     /// The living database of a number, or null.
     static CHostDatabase* byNumber(unsigned long long number);
 
+    /// The record of the active viewport; null for a database without one. The argument names the view that
+    /// is asked for; there is only the one of model space, so every id gives the same.
+    OdDbObjectId GetActiveViewportId(OdDbObjectId view = OdDbObjectId::kNull) const;
+    /// Converts points that a user gave.
+    CHostCoordinateService& coordinates() { return m_coordinates; }
+
 private:
     unsigned long long m_number;
+    CHostCoordinateService m_coordinates;
 };

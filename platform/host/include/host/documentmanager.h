@@ -60,9 +60,9 @@ public:
     /// Opens a document that has no database; nobody is told of a database. For tests of what callers do
     /// then.
     CHostDocument* newDocumentWithoutDatabase();
-    /// Closes a document. False for a pointer that isn't in the list, for a document in which a call by name
-    /// is in progress, and for one that is closing already. An exception out of a reactor or module passes
-    /// after the document has gone.
+    /// Closes a document. False for a pointer that isn't in the list, for a document that is busy (see
+    /// CHostDocument::isBusy), and for one that is closing already. An exception out of a reactor or module
+    /// passes after the document has gone.
     bool closeDocument(CHostDocument* document);
     /// Closes all documents, the latest first.
     void closeAll();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// CHostAPI: a document's interface for calls by name with argument lists, for entity names and for console
-// output.
+// CHostAPI: a document's interface for calls by name with argument lists, for the symbols of its LISP
+// session, for entity names and for console output.
 //
 //     hst_resbufW* result = nullptr;
 //     document->getAPI()->invoke(first, result);     // the first record names the function
@@ -12,12 +12,17 @@
 #include "drawing/objectid.h"
 
 #include <cstdarg>
+#include <memory>
 #include <vector>
+
+namespace lm::host {
+class LispSession;
+}
 
 /// A document's interface. Belongs to the host's main thread.
 class LM_HOST_API CHostAPI {
 public:
-    CHostAPI() = default;
+    CHostAPI();
     CHostAPI(const CHostAPI&) = delete;
     CHostAPI& operator=(const CHostAPI&) = delete;
     ~CHostAPI();
@@ -47,6 +52,22 @@ public:
     /// Calls in progress, each in the other.
     std::size_t callDepth() const { return m_calls.size(); }
 
+    /// Reads a symbol of the document's LISP session by its exact name. RTNORM, and `*result` is a chain that
+    /// the caller owns; see LispSession::read for its records. RTERROR with null for a symbol that nothing
+    /// was stored in, which a symbol that holds nil is not, and for a null name.
+    int getSym(const unsigned short* name, hst_resbufW** result);
+    int getSym(const unsigned short* name, hst_resbufW*& result) { return getSym(name, &result); }
+    /// Stores a copy of a chain in a symbol of an exact name; the chain stays the caller's. Null stands for
+    /// nil. RTERROR for a name or a chain that LispSession::store refuses.
+    int putSym(const unsigned short* name, const hst_resbufW* list);
+    /// Evaluates LISP text in the document's session. RTNORM, or RTERROR when the text or its program is
+    /// wrong: that writes one line to the console and never throws. Exceptions of called C++ functions pass.
+    int evalLisp(const unsigned short* text);
+    /// The document's LISP session, made at the first call.
+    lm::host::LispSession& lisp();
+    /// Whether LISP is being evaluated.
+    bool isEvaluating() const;
+
     /// Resolves an entity name: word 0 is the handle, word 1 the number of the database. RTERROR for a name
     /// whose database is gone or doesn't know the handle; `id` stays as it was then. An erased object
     /// resolves.
@@ -67,4 +88,5 @@ private:
         hst_resbufW* result = nullptr;
     };
     std::vector<Call*> m_calls;
+    std::unique_ptr<lm::host::LispSession> m_lisp; // null until it is asked for
 };

@@ -5,10 +5,15 @@
 #pragma once
 
 #include "host/hoststring.h"
+#include "host/resbuf.h"
+
+#include "drawing/objectid.h"
 
 #include <functional>
 #include <memory>
 #include <vector>
+
+class CHostSelectionSet;
 
 namespace lm::host {
 struct SessionData;
@@ -36,6 +41,18 @@ public:
     /// An integer setting by its name, ignoring case; 0 for one that was never set.
     int setting(const CHostString& name) const;
     void setSetting(const CHostString& name, int value);
+
+    /// One record with a text, for filters: group 8 for a layer's name, 0 for a DXF name. `group` must be a
+    /// code that holds text, else the result is null. The caller owns the record and releases it by
+    /// CHostAPI::relRb.
+    hst_resbufW* buildList(short group, const CHostString& text) const;
+    /// Adds the object of an entity name to a selection set; RTERROR for a name that names nothing, for one
+    /// that is in the set already, and for a null set.
+    int addToSelection(CHostSelectionSet* set, const unsigned long long name[2]) const;
+    /// Makes a copy of a set's members the current selection; null leaves none.
+    void setCurrentSelection(const CHostSelectionSet* set);
+    /// What is selected now.
+    const std::vector<OdDbObjectId>& currentSelection() const;
 
 private:
     std::unique_ptr<lm::host::SessionData> m_data;

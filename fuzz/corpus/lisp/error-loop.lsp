@@ -1,0 +1,1 @@
+(defun *error* (m) (while t)) (car 5)

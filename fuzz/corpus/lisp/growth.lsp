@@ -1,0 +1,1 @@
+(setq x "ab") (while t (setq x (strcat x x)))

@@ -1,0 +1,1 @@
+(setq a "no end

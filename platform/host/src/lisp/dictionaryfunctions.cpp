@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// Dictionaries of the drawing and their entries.
+#include "entities.h"
+#include "entityfields.h"
+#include "hoststate.h"
+
+#include "drawing/dictionary.h"
+
+namespace lm::host::lisp {
+
+namespace {
+
+/// The dictionary of a name in a mode; raises LispError for a name that is none.
+OdSmartPtr<OdDbDictionary> dictionaryAt(Machine& machine, Arguments a, OdDb::OpenMode mode) {
+    const OdSmartPtr<OdDbObject> object = openNamed(machine, nameAt(machine, a, 0), mode);
+    OdDbDictionary* dictionary = OdDbDictionary::cast(object.get());
+    if (dictionary == nullptr || !dictionary->isDBRO()) machine.failType("dictionary", a[0]);
+    return dictionary;
+}
+
+OdString keyAt(Machine& machine, Arguments a, std::size_t index) {
+    return OdString(WideView(machine.textAt(a, index)));
+}
+
+Value listOfEntry(Machine& machine, OdDbObjectId id) {
+    const OdSmartPtr<OdDbObject> object = id.openObject();
+    return object.isNull() ? Value() : entityList(machine, *object, nameValue(machine, id), Value());
+}
+
+Value namedobjdict(Machine& machine, Arguments) {
+    return nameValue(machine, requireDatabase(machine).getNamedObjectsDictionaryId());
+}
+
+// With a third argument the next dictnext goes on behind the entry.
+Value dictsearch(Machine& machine, Arguments a) {
+    const OdSmartPtr<OdDbDictionary> dictionary = dictionaryAt(machine, a, OdDb::kForRead);
+    const OdDbObjectId id = dictionary->getAt(keyAt(machine, a, 1));
+    if (id.isNull()) return Value();
+    if (a.size() > 2 && !a[2].isNil()) {
+        OdSmartPtr<OdDbDictionaryIterator> walk = dictionary->newIterator();
+        while (!walk->done() && walk->objectId() != id) walk->next();
+        if (!walk->done()) walk->next();
+        machine.host().dictionaryWalks[dictionary->objectId()] = walk;
+    }
+    return listOfEntry(machine, id);
+}
+
+Value dictnext(Machine& machine, Arguments a) {
+    const OdSmartPtr<OdDbDictionary> dictionary = dictionaryAt(machine, a, OdDb::kForRead);
+    OdSmartPtr<OdDbDictionaryIterator>& walk = machine.host().dictionaryWalks[dictionary->objectId()];
+    if (walk.isNull() || (a.size() > 1 && !a[1].isNil())) walk = dictionary->newIterator();
+    if (walk->done()) return Value();
+    const OdDbObjectId id = walk->objectId();
+    walk->next();
+    return listOfEntry(machine, id);
+}
+
+// Gives the object's name; nil for a name that is taken and for an object that is no entry.
+Value dictadd(Machine& machine, Arguments a) {
+    const OdString key = keyAt(machine, a, 1);
+    const OdSmartPtr<OdDbDictionary> dictionary = dictionaryAt(machine, a, OdDb::kForWrite);
+    const OdSmartPtr<OdDbObject> object = openNamed(machine, nameAt(machine, a, 2), OdDb::kForWrite);
+    if (key.isEmpty() || object.isNull() || dictionary->has(key)) return Value();
+    const bool isEntry =
+        OdDbXrecord::cast(object.get()) != nullptr || OdDbDictionary::cast(object.get()) != nullptr;
+    if (!isEntry || object.get() == dictionary.get()) return Value();
+    dictionary->setAt(key, object);
+    return a[2];
+}
+
+Value dictremove(Machine& machine, Arguments a) {
+    const OdString key = keyAt(machine, a, 1);
+    const OdSmartPtr<OdDbDictionary> dictionary = dictionaryAt(machine, a, OdDb::kForWrite);
+    const OdDbObjectId id = dictionary->getAt(key);
+    if (id.isNull()) return Value();
+    dictionary->remove(key);
+    return nameValue(machine, id);
+}
+
+const Builtin kDictionaries[] = {
+    {"NAMEDOBJDICT", 0, 0, &namedobjdict}, {"DICTSEARCH", 2, 3, &dictsearch}, {"DICTNEXT", 1, 2, &dictnext},
+    {"DICTADD", 3, 3, &dictadd},           {"DICTREMOVE", 2, 2, &dictremove},
+};
+
+} // namespace
+
+std::span<const Builtin> dictionaryFunctions() {
+    return kDictionaries;
+}
+
+} // namespace lm::host::lisp

@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: MIT
+#include "entityfields.h"
+
+#include "entityname.h"
+#include "points.h"
+
+#include "drawing/drawing.h"
+#include "drawing/partwalk.h"
+
+namespace lm::host::lisp {
+
+namespace {
+
+template<class M>
+struct MemberOf;
+template<class C, class R, class... A>
+struct MemberOf<R (C::*)(A...) const> {
+    using Class = C;
+};
+template<class C, class R, class... A>
+struct MemberOf<R (C::*)(A...)> {
+    using Class = C;
+};
+
+template<auto Get>
+auto read(const OdDbObject& object) {
+    return (static_cast<const typename MemberOf<decltype(Get)>::Class&>(object).*Get)();
+}
+template<auto Set, class V>
+void write(OdDbObject& object, const V& value) {
+    (static_cast<typename MemberOf<decltype(Set)>::Class&>(object).*Set)(value);
+}
+
+// Each of these makes the two functions of a field from a getter and a setter of the class.
+
+template<auto Get>
+Value getReal(Machine&, const OdDbObject& object) {
+    return Value::real(read<Get>(object));
+}
+template<auto Set>
+bool setReal(const FieldTarget& target, const Value& value) {
+    if (!value.isNumber()) return false;
+    if (target.apply) write<Set>(target.object, value.number());
+    return true;
+}
+
+template<auto Get>
+Value getInteger(Machine&, const OdDbObject& object) {
+    return Value::integer(static_cast<int>(read<Get>(object)));
+}
+template<auto Set>
+bool setInteger(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    if (target.apply) write<Set>(target.object, value.integer());
+    return true;
+}
+template<auto Set>
+bool setFlag(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    if (target.apply) write<Set>(target.object, (value.integer() & 1) != 0);
+    return true;
+}
+
+template<auto Get>
+Value getText(Machine& machine, const OdDbObject& object) {
+    return machine.text(OdString(read<Get>(object)).view());
+}
+template<auto Set>
+bool setText(const FieldTarget& target, const Value& value) {
+    if (!value.isText()) return false;
+    if (target.apply) write<Set>(target.object, OdString(WideView(value.text())));
+    return true;
+}
+
+template<auto Get>
+Value getPoint(Machine& machine, const OdDbObject& object) {
+    const auto point = read<Get>(object);
+    return listOf(machine, OdGePoint3d(point.x, point.y, point.z));
+}
+template<auto Set>
+bool setPoint(const FieldTarget& target, const Value& value) {
+    const std::optional<Point> point = pointOf(value);
+    if (!point) return false;
+    if (target.apply) write<Set>(target.object, point->inSpace());
+    return true;
+}
+template<auto Set>
+bool setVector(const FieldTarget& target, const Value& value) {
+    const std::optional<Point> point = pointOf(value);
+    if (!point || (point->x == 0 && point->y == 0 && point->z == 0)) return false;
+    if (target.apply) write<Set>(target.object, OdGeVector3d(point->x, point->y, point->z));
+    return true;
+}
+
+Value nameOfRecord(Machine& machine, OdDbObjectId id) {
+    const OdSmartPtr<OdDbObject> object = id.openObject(OdDb::kForRead, true);
+    const auto* record = OdDbSymbolTableRecord::cast(object.get());
+    return record == nullptr ? Value::unbound() : machine.text(record->getName().view());
+}
+
+/// A record of a table that a text names; null, and `fits` false, for anything else.
+OdDbObjectId recordOf(OdDbObjectId table, const Value& value, bool& fits) {
+    const OdDbObjectId id = value.isText() ? recordNamed(table, value.text()) : OdDbObjectId();
+    fits = !id.isNull();
+    return id;
+}
+
+// The properties of every entity.
+
+Value getLayer(Machine& machine, const OdDbObject& object) {
+    return machine.text(static_cast<const OdDbEntity&>(object).layer().view());
+}
+bool setLayer(const FieldTarget& target, const Value& value) {
+    if (!value.isText() || value.text().empty()) return false;
+    if (target.apply) {
+        const OdDbObjectId layer = ensureLayer(target.database, OdString(WideView(value.text())));
+        static_cast<OdDbEntity&>(target.object).setLayer(layer);
+    }
+    return true;
+}
+
+constexpr int kByLayerColor = 256;
+
+Value getColor(Machine&, const OdDbObject& object) {
+    const OdCmColor color = static_cast<const OdDbEntity&>(object).color();
+    if (color.method() == OdCmColor::kByLayer || color.method() == OdCmColor::kByColor)
+        return Value::unbound();
+    return Value::integer(color.method() == OdCmColor::kByBlock ? 0 : color.colorIndex());
+}
+bool setColor(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger() || value.integer() < 0 || value.integer() > kByLayerColor) return false;
+    if (target.apply) static_cast<OdDbEntity&>(target.object).setColor(OdCmColor::fromIndex(value.integer()));
+    return true;
+}
+
+Value getTrueColor(Machine&, const OdDbObject& object) {
+    const OdCmColor color = static_cast<const OdDbEntity&>(object).color();
+    if (color.method() != OdCmColor::kByColor) return Value::unbound();
+    return Value::integer(static_cast<int>(color.rgb()));
+}
+bool setTrueColor(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    const auto rgb = static_cast<unsigned>(value.integer());
+    if (target.apply)
+        static_cast<OdDbEntity&>(target.object)
+            .setColor(OdCmColor::fromRgb(static_cast<std::uint8_t>(rgb >> 16),
+                                         static_cast<std::uint8_t>(rgb >> 8),
+                                         static_cast<std::uint8_t>(rgb)));
+    return true;
+}
+
+Value getLinetype(Machine& machine, const OdDbObject& object) {
+    const auto& entity = static_cast<const OdDbEntity&>(object);
+    const OdDbObjectId id = entity.linetypeId();
+    const OdDbDatabase* database = entity.database();
+    if (id.isNull() || (database != nullptr && id == database->getLinetypeByLayerId()))
+        return Value::unbound();
+    return nameOfRecord(machine, id);
+}
+bool setLinetype(const FieldTarget& target, const Value& value) {
+    bool fits = false;
+    const OdDbObjectId id = recordOf(target.database.getLinetypeTableId(), value, fits);
+    if (fits && target.apply) static_cast<OdDbEntity&>(target.object).setLinetype(id);
+    return fits;
+}
+
+Value getLinetypeScale(Machine&, const OdDbObject& object) {
+    const double scale = static_cast<const OdDbEntity&>(object).linetypeScale();
+    return scale == 1 ? Value::unbound() : Value::real(scale);
+}
+
+Value getLineWeight(Machine&, const OdDbObject& object) {
+    const int weight = static_cast<const OdDbEntity&>(object).lineWeight();
+    return weight == -1 ? Value::unbound() : Value::integer(weight);
+}
+
+Value getTransparency(Machine&, const OdDbObject& object) {
+    const unsigned transparency = static_cast<const OdDbEntity&>(object).transparency();
+    return transparency == 0 ? Value::unbound() : Value::integer(static_cast<int>(transparency));
+}
+bool setTransparency(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    if (target.apply)
+        static_cast<OdDbEntity&>(target.object).setTransparency(static_cast<unsigned>(value.integer()));
+    return true;
+}
+
+Value getInvisible(Machine&, const OdDbObject& object) {
+    return static_cast<const OdDbEntity&>(object).isVisible() ? Value::unbound() : Value::integer(1);
+}
+bool setInvisible(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    if (target.apply) static_cast<OdDbEntity&>(target.object).setVisible(value.integer() == 0);
+    return true;
+}
+
+const Field kEntity[] = {
+    {8, &getLayer, &setLayer},
+    {6, &getLinetype, &setLinetype},
+    {62, &getColor, &setColor},
+    {420, &getTrueColor, &setTrueColor},
+    {440, &getTransparency, &setTransparency},
+    {48, &getLinetypeScale, &setReal<&OdDbEntity::setLinetypeScale>},
+    {370, &getLineWeight, &setInteger<&OdDbEntity::setLineWeight>},
+    {60, &getInvisible, &setInvisible},
+};
+
+Value getStyle(Machine& machine, const OdDbObject& object) {
+    return nameOfRecord(machine, static_cast<const OdDbText&>(object).textStyle());
+}
+bool setStyle(const FieldTarget& target, const Value& value) {
+    bool fits = false;
+    const OdDbObjectId id = recordOf(target.database.getTextStyleTableId(), value, fits);
+    if (fits && target.apply) static_cast<OdDbText&>(target.object).setTextStyle(id);
+    return fits;
+}
+
+Value getMirror(Machine&, const OdDbObject& object) {
+    const auto& text = static_cast<const OdDbText&>(object);
+    return Value::integer((text.isMirroredInX() ? 2 : 0) | (text.isMirroredInY() ? 4 : 0));
+}
+bool setMirror(const FieldTarget& target, const Value& value) {
+    if (!value.isInteger()) return false;
+    if (!target.apply) return true;
+    auto& text = static_cast<OdDbText&>(target.object);
+    text.setMirrorInX((value.integer() & 2) != 0);
+    text.setMirrorInY((value.integer() & 4) != 0);
+    return true;
+}
+
+Value getBlock(Machine& machine, const OdDbObject& object) {
+    return nameOfRecord(machine, static_cast<const OdDbBlockReference&>(object).blockTableRecord());
+}
+bool setBlock(const FieldTarget& target, const Value& value) {
+    bool fits = false;
+    const OdDbObjectId id = recordOf(target.database.getBlockTableId(), value, fits);
+    if (fits && target.apply) static_cast<OdDbBlockReference&>(target.object).setBlockTableRecord(id);
+    return fits;
+}
+
+Value getAttributesFollow(Machine&, const OdDbObject& object) {
+    const bool follow = object.isDBRO() && !lm::drawing::PartWalk(object.objectId()).done();
+    return follow ? Value::integer(1) : Value::unbound();
+}
+
+template<int Axis>
+Value getScale(Machine&, const OdDbObject& object) {
+    const OdGeScale3d scale = static_cast<const OdDbBlockReference&>(object).scaleFactors();
+    return Value::real(Axis == 0 ? scale.sx : Axis == 1 ? scale.sy : scale.sz);
+}
+template<int Axis>
+bool setScale(const FieldTarget& target, const Value& value) {
+    if (!value.isNumber() || value.number() == 0) return false;
+    if (!target.apply) return true;
+    auto& reference = static_cast<OdDbBlockReference&>(target.object);
+    OdGeScale3d scale = reference.scaleFactors();
+    (Axis == 0 ? scale.sx : Axis == 1 ? scale.sy : scale.sz) = value.number();
+    reference.setScaleFactors(scale);
+    return true;
+}
+
+/// Bit 1 invisible, bit 2 constant.
+template<class C>
+Value getAttributeFlags(Machine&, const OdDbObject& object) {
+    const auto& attribute = static_cast<const C&>(object);
+    return Value::integer((attribute.isInvisible() ? 1 : 0) | (attribute.isConstant() ? 2 : 0));
+}
+
+Value getVertexCount(Machine&, const OdDbObject& object) {
+    return Value::integer(static_cast<int>(static_cast<const OdDbPolyline&>(object).numVerts()));
+}
+
+const Field kPoint[] = {{10, &getPoint<&OdDbPoint::position>, &setPoint<&OdDbPoint::setPosition>}};
+
+const Field kLine[] = {{10, &getPoint<&OdDbLine::startPoint>, &setPoint<&OdDbLine::setStartPoint>},
+                       {11, &getPoint<&OdDbLine::endPoint>, &setPoint<&OdDbLine::setEndPoint>}};
+
+const Field kCircle[] = {{10, &getPoint<&OdDbCircle::center>, &setPoint<&OdDbCircle::setCenter>},
+                         {40, &getReal<&OdDbCircle::radius>, &setReal<&OdDbCircle::setRadius>},
+                         {210, &getPoint<&OdDbCircle::normal>, &setVector<&OdDbCircle::setNormal>}};
+
+const Field kArc[] = {{10, &getPoint<&OdDbArc::center>, &setPoint<&OdDbArc::setCenter>},
+                      {40, &getReal<&OdDbArc::radius>, &setReal<&OdDbArc::setRadius>},
+                      {50, &getReal<&OdDbArc::startAngle>, &setReal<&OdDbArc::setStartAngle>},
+                      {51, &getReal<&OdDbArc::endAngle>, &setReal<&OdDbArc::setEndAngle>},
+                      {210, &getPoint<&OdDbArc::normal>, &setVector<&OdDbArc::setNormal>}};
+
+const Field kEllipse[] = {{10, &getPoint<&OdDbEllipse::center>, &setPoint<&OdDbEllipse::setCenter>},
+                          {11, &getPoint<&OdDbEllipse::majorAxis>, &setVector<&OdDbEllipse::setMajorAxis>},
+                          {40, &getReal<&OdDbEllipse::radiusRatio>, &setReal<&OdDbEllipse::setRadiusRatio>},
+                          {41, &getReal<&OdDbEllipse::startParam>, &setReal<&OdDbEllipse::setStartParam>},
+                          {42, &getReal<&OdDbEllipse::endParam>, &setReal<&OdDbEllipse::setEndParam>},
+                          {210, &getPoint<&OdDbEllipse::normal>, &setVector<&OdDbEllipse::setNormal>}};
+
+// The vertices, groups 10 and 42, are a matter of the whole list.
+const Field kPolyline[] = {{90, &getVertexCount, nullptr},
+                           {70, &getInteger<&OdDbPolyline::isClosed>, &setFlag<&OdDbPolyline::setClosed>},
+                           {38, &getReal<&OdDbPolyline::elevation>, &setReal<&OdDbPolyline::setElevation>},
+                           {210, &getPoint<&OdDbPolyline::normal>, &setVector<&OdDbPolyline::setNormal>}};
+
+#define LM_TEXT_FIELDS                                                                                       \
+    {10, &getPoint<&OdDbText::position>, &setPoint<&OdDbText::setPosition>},                                 \
+        {40, &getReal<&OdDbText::height>, &setReal<&OdDbText::setHeight>},                                   \
+        {1, &getText<&OdDbText::textString>, &setText<&OdDbText::setTextString>},                            \
+        {50, &getReal<&OdDbText::rotation>, &setReal<&OdDbText::setRotation>},                               \
+        {41, &getReal<&OdDbText::widthFactor>, &setReal<&OdDbText::setWidthFactor>},                         \
+        {51, &getReal<&OdDbText::oblique>, &setReal<&OdDbText::setOblique>}, {7, &getStyle, &setStyle},      \
+        {71, &getMirror, &setMirror},                                                                        \
+        {72, &getInteger<&OdDbText::horizontalMode>, &setInteger<&OdDbText::setHorizontalMode>},             \
+        {11, &getPoint<&OdDbText::alignmentPoint>, &setPoint<&OdDbText::setAlignmentPoint>}, {               \
+        210, &getPoint<&OdDbText::normal>, &setVector<&OdDbText::setNormal>                                  \
+    }
+
+const Field kText[] = {LM_TEXT_FIELDS,
+                       {73, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+
+const Field kAttribute[] = {
+    LM_TEXT_FIELDS,
+    {2, &getText<&OdDbAttribute::tag>, &setText<&OdDbAttribute::setTag>},
+    {70, &getAttributeFlags<OdDbAttribute>, &setFlag<&OdDbAttribute::setInvisible>},
+    {73, &getInteger<&OdDbAttribute::fieldLength>, &setInteger<&OdDbAttribute::setFieldLength>},
+    {74, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+
+const Field kDefinition[] = {
+    LM_TEXT_FIELDS,
+    {3, &getText<&OdDbAttributeDefinition::prompt>, &setText<&OdDbAttributeDefinition::setPrompt>},
+    {2, &getText<&OdDbAttributeDefinition::tag>, &setText<&OdDbAttributeDefinition::setTag>},
+    {70, &getAttributeFlags<OdDbAttributeDefinition>, &setFlag<&OdDbAttributeDefinition::setInvisible>},
+    {73, &getInteger<&OdDbAttributeDefinition::fieldLength>,
+     &setInteger<&OdDbAttributeDefinition::setFieldLength>},
+    {74, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+
+#undef LM_TEXT_FIELDS
+
+const Field kMText[] = {{10, &getPoint<&OdDbMText::location>, &setPoint<&OdDbMText::setLocation>},
+                        {40, &getReal<&OdDbMText::textHeight>, &setReal<&OdDbMText::setTextHeight>},
+                        {41, &getReal<&OdDbMText::width>, &setReal<&OdDbMText::setWidth>},
+                        {71, &getInteger<&OdDbMText::attachment>, nullptr},
+                        {1, &getText<&OdDbMText::contents>, &setText<&OdDbMText::setContents>},
+                        {11, &getPoint<&OdDbMText::direction>, nullptr},
+                        {210, &getPoint<&OdDbMText::normal>, nullptr}};
+
+const Field kReference[] = {
+    {66, &getAttributesFollow, nullptr},
+    {2, &getBlock, &setBlock},
+    {10, &getPoint<&OdDbBlockReference::position>, &setPoint<&OdDbBlockReference::setPosition>},
+    {41, &getScale<0>, &setScale<0>},
+    {42, &getScale<1>, &setScale<1>},
+    {43, &getScale<2>, &setScale<2>},
+    {50, &getReal<&OdDbBlockReference::rotation>, &setReal<&OdDbBlockReference::setRotation>},
+    {210, &getPoint<&OdDbBlockReference::normal>, &setVector<&OdDbBlockReference::setNormal>}};
+
+template<class T>
+OdSmartPtr<OdDbObject> make() {
+    return OdSmartPtr<OdDbObject>(new T(), lm::drawing::kAttach);
+}
+
+const EntityClass kClasses[] = {
+    {"LINE", &OdDbLine::desc, &make<OdDbLine>, kLine},
+    {"INSERT", &OdDbBlockReference::desc, &make<OdDbBlockReference>, kReference},
+    {"ATTRIB", &OdDbAttribute::desc, &make<OdDbAttribute>, kAttribute},
+    {"LWPOLYLINE", &OdDbPolyline::desc, &make<OdDbPolyline>, kPolyline},
+    {"TEXT", &OdDbText::desc, &make<OdDbText>, kText},
+    {"MTEXT", &OdDbMText::desc, &make<OdDbMText>, kMText},
+    {"ATTDEF", &OdDbAttributeDefinition::desc, &make<OdDbAttributeDefinition>, kDefinition},
+    {"CIRCLE", &OdDbCircle::desc, &make<OdDbCircle>, kCircle},
+    {"ARC", &OdDbArc::desc, &make<OdDbArc>, kArc},
+    {"ELLIPSE", &OdDbEllipse::desc, &make<OdDbEllipse>, kEllipse},
+    {"POINT", &OdDbPoint::desc, &make<OdDbPoint>, kPoint},
+};
+
+} // namespace
+
+const EntityClass* classOfType(WideView type) {
+    for (const EntityClass& entry : kClasses)
+        if (system::equalsNoCase(type, system::widen(entry.name))) return &entry;
+    return nullptr;
+}
+
+std::vector<const Field*> fieldsOf(const OdDbObject& object) {
+    std::vector<const Field*> fields;
+    if (OdDbEntity::cast(&object) == nullptr) {
+        for (const Field& field : recordFields(object)) fields.push_back(&field);
+        return fields;
+    }
+    for (const Field& field : kEntity) fields.push_back(&field);
+    for (const EntityClass& entry : kClasses) {
+        if (object.isA() != entry.desc()) continue;
+        for (const Field& field : entry.fields) fields.push_back(&field);
+    }
+    return fields;
+}
+
+} // namespace lm::host::lisp
