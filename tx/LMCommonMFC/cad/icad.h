@@ -22,20 +22,36 @@
 
 #include "drawing/blockreference.h"
 #include "drawing/database.h"
+#include "drawing/dictionary.h"
+#include "drawing/idmapping.h"
 #include "drawing/symboltable.h"
 
 #include <list>
 #include <map>
+#include <vector>
 
-/// Reading and, in further members, changing of blocks, attributes, layers, extended data and pages.
+class CHostDatabase;
+class CHostDocument;
+
+/// Reading and changing of what a project keeps in its drawing: blocks and attributes, variables of the
+/// document, extended data, dictionaries and layers.
 ///
-/// What isn't there is told by the result. An OdError or a standard exception out of SearchAttribute,
-/// SearchAttributes, SearchAttributesConst, GetPrompt, getAttPosicaoPto, SearchAttributeVirtual, ExisteBloco
-/// and GetNomeBloco, in every form, is written to the log behind the member's name, as in
+/// What isn't there is told by the result. Members that report, in every form of theirs:
+///   attributes   SearchAttribute, SearchAttributes, SearchAttributesConst, GetPrompt, getAttPosicaoPto,
+///                SearchAttributeVirtual
+///   blocks       ExisteBloco, GetNomeBloco
+///   variables    all of them
+///   stored data  updateXData, updateXDataHandle, convertXDataType, removeXdata, getNamedDic
+///   layers       ApagarEntidadesLayer, GetLayers, GetLayerCorrente, SetLayerCorrente, RenomearLayer
+/// An OdError or a standard exception out of these is written to the log behind the member's name, as in
 /// "CICad::GetPrompt : reason", and raised again; members that call each other write a line each. Out of the
 /// other members it passes without a line of their own. What was being filled is gone then, but for a block
 /// that the caller handed in. An object of another class than the place asks for raises
 /// OdError_NotThatKindOfClass.
+///
+/// Smart pointers given to a member are let go on every path. A member opens for reading and upgrades when a
+/// change is really needed, unless its comment says that it opens for write; opening for write without a
+/// change tells no reactor and files nothing for undo.
 class LM_COMMONMFC_API CICad {
 public:
     CICad() = default;
@@ -161,4 +177,123 @@ public:
     /// Whether a name begins with one of them, ignoring case. Nothing is opened; the block needn't exist.
     bool IsBlocoNaoSimbolo(RZString nome);
     bool IsBlocoNaoSimbolo(RZString nome, RZStringList lista);
+
+    // --- Variables of a document ---
+    //
+    // A variable is a symbol of the document's LISP session, so a routine and a command share its value for
+    // as long as the document is open; no drawing file stores it. The name is taken as it stands, and case
+    // counts. The readers give `padrao` (the default) for a null document and a missing symbol, and look at
+    // the first record of the value only.
+
+    /// Whether a symbol is set to anything but nil, be it 0 or the text "0". Nil gives `padrao` as well, so
+    /// with a `padrao` of true the answer is always true.
+    bool GetVarBool(RZString nome, bool padrao, CHostDocument* doc);
+    /// An integer that fits 16 bits; any other value gives `padrao`.
+    int GetVarInt(RZString nome, int padrao, CHostDocument* doc);
+    /// A real, or an integer that fits 16 bits; any other value gives `padrao`.
+    double GetVarReal(RZString nome, double padrao, CHostDocument* doc);
+    /// A text. Any other value, nil too, gives the empty text; `padrao` is for a symbol that isn't there.
+    RZString GetVarStr(RZString nome, RZString padrao, CHostDocument* doc);
+    /// The texts of a list, at any depth, in order; a single text is a list of one. Whatever else stands in
+    /// the value is passed over. Empty for a null document and a missing symbol.
+    RZStringList GetVarLstStr(RZString nome, CHostDocument* doc);
+
+    // The writers need a document: null is an error of the caller that nothing catches.
+
+    /// True or nil.
+    void SetVarBool(RZString nome, bool valor, CHostDocument* doc);
+    /// An integer of 16 bits: the low ones of `valor`, so 70000 reads back as 4464 and 40000 as -25536.
+    void SetVarInt(RZString nome, int valor, CHostDocument* doc);
+    void SetVarReal(RZString nome, double valor, CHostDocument* doc);
+    void SetVarStr(RZString nome, RZString valor, CHostDocument* doc);
+    /// A list of texts in order; an empty one is nil to the session.
+    void SetVarLstStr(RZString nome, RZStringList lista, CHostDocument* doc);
+    void SetVarLstStr(RZString nome, std::vector<RZString> lista, CHostDocument* doc);
+
+    // --- Extended data ---
+    //
+    // These change a record that is there; none makes a chain. A record is named by the application id and
+    // its position in the chain of that id: 0 is the record with the id itself, group 1001, and data begins
+    // at 1. A null object and a position without a record, a negative one too, give false, and the object is
+    // neither changed nor opened for write. Writing needs the object open for write, and it is upgraded when
+    // it isn't; it stays so for as long as somebody holds it.
+
+    /// Sets the text, or the integer, of a record, whose group code stays as it was. The id is registered in
+    /// getDatabase() first, and stays registered when false is given. At position 0 a text names another
+    /// application: the chain is copied to that id, and the one under the old id stays.
+    bool updateXData(OdSmartPtr<OdDbObject> obj, RZString id, int posicao, RZString valor);
+    bool updateXData(OdSmartPtr<OdDbObject> obj, RZString id, int posicao, int valor);
+    /// Opens the object for write; false, with nothing registered, when it can't be opened.
+    bool updateXData(RZID objId, RZString id, int posicao, RZString valor);
+    /// Points a stored handle to what became of its object in a deep clone. `mapa2` is asked first and
+    /// `mapa1` when that gives no object that can be opened. False, with nothing changed, when neither does,
+    /// for a text that names no object of getDatabase(), and for a null `mapa1`; a null `mapa2` counts as
+    /// empty. Registers nothing.
+    bool updateXDataHandle(OdSmartPtr<OdDbObject> obj, RZString id, int posicao,
+                           OdSmartPtr<OdDbIdMapping> mapa1, OdSmartPtr<OdDbIdMapping> mapa2);
+    /// What became of an object in a deep clone; the null id when the mapping doesn't hold it or is null.
+    RZID getObjectId(OdSmartPtr<OdDbIdMapping> mapa, RZID id);
+    /// Gives a record another group code; its value stays as it is. Registers nothing.
+    bool convertXDataType(OdSmartPtr<OdDbObject> obj, RZString id, int posicao, int codigo);
+    /// The same for each object in order; true when at least one was changed.
+    bool convertXDataType(OdArray<OdDbObjectId> ids, RZString id, int posicao, int codigo);
+    /// Removes the chain of an id, silently also when there is none. The id stays registered; chains of other
+    /// ids stay. Nothing happens for null.
+    void removeXdata(OdSmartPtr<OdDbObject> obj, RZString id);
+
+    // --- Dictionaries of the drawing ---
+
+    /// The dictionary of this name among the named objects, open for write. One is made when there is none,
+    /// and an entry of another class is replaced by it and erased. Null for a null database and one without
+    /// named objects.
+    OdSmartPtr<OdDbDictionary> getNamedDic(RZString nome, const OdDbDatabase* db);
+    /// The dictionary "RZ_CABOS" of the cables, open for write, made when there is none. The same name is
+    /// registered as an application id in getDatabase(), and the named objects are opened for write. An entry
+    /// of another class raises OdError_NotThatKindOfClass and stays. Null as above.
+    OdSmartPtr<OdDbDictionary> getDicCabos(CHostDatabase* db);
+
+    // --- Layers ---
+    //
+    // Layers go by their exact names. A null database has no layers, nor has one without a layer table.
+
+    /// Makes a layer with the defaults of a new record, which opens the layer table for write. False for an
+    /// empty name and a name that exists.
+    bool CriarLayer(RZString nome, OdDbDatabase* db);
+    /// Whether there is a layer that can be opened for write.
+    bool ExisteLayer(RZString nome, OdDbDatabase* db);
+    /// Erases a layer. True when that is done, and when there is no layer table; false for a missing layer
+    /// and one that the drawing won't give up: "0", the current one, and one with entities.
+    bool ApagarLayer(RZString nome, OdDbDatabase* db);
+    /// Erases the entities of model space on a layer; layouts and blocks keep theirs. Opens model space and
+    /// each of its entities for write. Always 0.
+    int ApagarEntidadesLayer(RZString nome);
+    /// Freezes a layer, which counts as a change also when it is frozen. False for a missing one.
+    bool CongelaLayer(RZString nome);
+    /// Freezes all layers but "0" that aren't frozen, the current one too: callers make "0" current first.
+    /// Always 0.
+    int CongelaTodasLayers();
+    /// Thaws, unlocks or switches on a layer: 0, or 2 when there is none. One that is in the wanted state
+    /// isn't opened for write.
+    int DescongelaLayer(RZString nome, OdDbDatabase* db);
+    int HabilitaLayer(RZString nome, OdDbDatabase* db);
+    int LayerOn(RZString nome, OdDbDatabase* db);
+    /// The names of all layers in table order.
+    RZStringList GetLayers(OdDbDatabase* db);
+    /// The name of the current layer; empty when the database can't tell.
+    RZString GetLayerCorrente(OdDbDatabase* db);
+    /// Makes a layer of `db` the current one and gives the name of the layer that is current then, by which
+    /// callers see whether it worked. The name is thawed first, in getDatabase() and not in `db`.
+    RZString SetLayerCorrente(RZString nome, OdDbDatabase* db);
+    /// Renames a layer. False when the old name is missing or the new one exists, as for two equal names. An
+    /// empty new name, and renaming "0", raise OdError.
+    bool RenomearLayer(RZString antigo, RZString novo);
+    /// Erases every layer that nothing uses.
+    void PurgeLayers(OdSmartPtr<OdDbDatabase> db);
+    void PurgeLayers();
+    /// The line types of getDatabase() in table order, only with `todos` those for "by block" and "by layer".
+    RZStringList getTiposLinhas(bool todos);
+
+private:
+    /// Registers an application id in getDatabase() unless it is there. An empty one raises OdError.
+    void RegisterAppName(CHostString id);
 };

@@ -68,10 +68,10 @@ OdString trimmed(const OdString& text) {
     return inner.size() == all.size() ? text : OdString(inner);
 }
 
-OdSmartPtr<OdDbBlockTableRecord> openModelSpace() {
+OdSmartPtr<OdDbBlockTableRecord> openModelSpace(OdDb::OpenMode mode) {
     const CHostDatabase* const db = getDatabase();
     if (db == nullptr) return {};
-    return OdSmartPtr<OdDbBlockTableRecord>(db->getModelSpaceId().openObject());
+    return OdSmartPtr<OdDbBlockTableRecord>(db->getModelSpaceId().openObject(mode));
 }
 
 OdSmartPtr<OdDbDictionary> openVirtualSchematic() {

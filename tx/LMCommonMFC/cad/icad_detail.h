@@ -82,7 +82,7 @@ private:
 OdString trimmed(const OdString& text);
 
 /// Model space of the current database, null without one.
-OdSmartPtr<OdDbBlockTableRecord> openModelSpace();
+OdSmartPtr<OdDbBlockTableRecord> openModelSpace(OdDb::OpenMode mode = OdDb::kForRead);
 /// The dictionary of the virtual schematic, null when the drawing has none.
 OdSmartPtr<OdDbDictionary> openVirtualSchematic();
 
