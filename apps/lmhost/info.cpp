@@ -40,14 +40,6 @@ std::vector<OdString> blocksOf(const OdDbDatabase& db) {
     return names;
 }
 
-std::vector<OdString> dictionariesOf(const OdDbDatabase& db) {
-    std::vector<OdString> names;
-    const OdSmartPtr<OdDbDictionary> root(db.getNamedObjectsDictionaryId().openObject());
-    const OdSmartPtr<OdDbDictionaryIterator> walk = root->newIterator();
-    for (; !walk->done(); walk->next()) names.push_back(walk->name());
-    return names;
-}
-
 class JsonInfo {
 public:
     explicit JsonInfo(JsonWriter& json) : m_json(json) {}
@@ -124,7 +116,7 @@ void writeJson(const OdDbDatabase& db, const Inventory& inventory, ToolOutput& o
     info.counts("modelspace", inventory.modelSpace);
     info.array("xdata", inventory.xdata,
                [&info](const lm::drawing::XDataOwner& owner) { info.owner(owner); });
-    info.names("dictionaries", dictionariesOf(db));
+    info.names("dictionaries", inventory.dictionaries);
     info.counts("kept", inventory.kept);
     info.array("repairs", db.report().repairs(), [&info](const Repair& repair) { info.repair(repair); });
     json.endObject();
@@ -153,7 +145,7 @@ void writeText(const OdDbDatabase& db, const Inventory& inventory, ToolOutput& o
     writeNames(out, "blocks", blocksOf(db));
     writeCounts(out, "model space", inventory.modelSpace);
     out.write("objects with extended data: " + std::to_string(inventory.xdata.size()) + "\n");
-    writeNames(out, "dictionaries", dictionariesOf(db));
+    writeNames(out, "dictionaries", inventory.dictionaries);
     writeCounts(out, "kept unread", inventory.kept);
     out.write("repairs (" + std::to_string(db.report().total()) + "):\n");
     for (const Repair& repair : db.report().repairs()) out.write("    " + Report::text(repair) + "\n");

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // lmhost: the host program. It loads the modules, opens a drawing and runs one command on it. Commands beyond
-// `version` and `info` come from the modules.
+// those that kUsageText names come from the modules.
 //
 // Exit codes: 0 done, 1 done and defects found, 2 wrong usage, 3 input that can't be read, 4 output that
 // can't be written, 5 a command failed. Errors are one line each on standard error.
+#include "check.h"
+#include "convert.h"
 #include "info.h"
 #include "options.h"
+#include "session.h"
 
 #include "drawing/error.h"
 #include "drawing/module.h"
@@ -31,7 +34,16 @@ constexpr const char* kModules[] = {"LMCommon_26.8_17.tx", "LMCommonMFC_26.8_17.
 constexpr const char kUsageText[] = "usage: lmhost COMMAND FILE [OPTIONS]\n"
                                     "\n"
                                     "  version                    name, version and module interface\n"
-                                    "  info FILE [--json]         what stands in a drawing\n";
+                                    "  info FILE [--json]         what stands in a drawing\n"
+                                    "  check FILE [--json] [--fix OUT]\n"
+                                    "                             its defects, and a mended copy of it\n"
+                                    "  convert FILE OUT [--binary] [--version R2000|...|R2018]\n"
+                                    "                             the drawing in another version or form\n"
+                                    "  eval FILE EXPRESSION [--save OUT]\n"
+                                    "                             LISP in the session of the drawing\n"
+                                    "  run FILE|--new SCRIPT [--save OUT] [--events OUT]\n"
+                                    "                             a script of commands and expressions\n"
+                                    "                             both: [--time-limit SECONDS]\n";
 
 void errorLine(const std::string& text) {
     std::fprintf(stderr, "lmhost: %s\n", text.c_str());
@@ -86,6 +98,19 @@ int runInfo(const CommandLine& line, CHostDocument& document, lm::host::ToolOutp
     return kDone;
 }
 
+/// The commands of the program itself; the others come from modules.
+bool isOwnCommand(const std::string& name) {
+    return name == "info" || name == "check" || name == "convert" || name == "eval" || name == "run";
+}
+
+int runOwn(const CommandLine& line, CHostDocument& document, lm::host::ToolOutput& out) {
+    if (line.command == "check") return runCheck(line, document, out, &errorLine);
+    if (line.command == "convert") return runConvert(line, document, out, &errorLine);
+    if (line.command == "eval") return runEval(line, document, out, &errorLine);
+    if (line.command == "run") return runScript(line, out, &errorLine);
+    return runInfo(line, document, out);
+}
+
 int runTool(const lm::host::Tool& tool, const CommandLine& line, CHostDocument& document,
             lm::host::ToolOutput& out) {
     lm::host::ToolContext context{&document, line.rest, out, [&line](std::string_view text) {
@@ -122,16 +147,21 @@ CHostDocument* openDrawing(const std::string& file) {
 
 int runOnDrawing(const CommandLine& line, lm::host::ToolOutput& out) {
     const auto tool = lm::host::findTool(line.command);
-    if (tool == nullptr && line.command != "info") {
+    if (tool == nullptr && !isOwnCommand(line.command)) {
         errorLine("unknown command \"" + line.command + "\"; lmhost help lists them");
         return kUsage;
     }
-    CHostDocument* const document = openDrawing(line.file);
+    CHostDocument* const document =
+        line.newDrawing ? lm::host::documentManager().newDocument() : openDrawing(line.file);
     if (document == nullptr) return kInput;
     const int code = guarded(line, [&] {
-        return tool != nullptr ? runTool(*tool, line, *document, out) : runInfo(line, *document, out);
+        return tool != nullptr ? runTool(*tool, line, *document, out) : runOwn(line, *document, out);
     });
-    guarded(line, [&] { return lm::host::documentManager().closeDocument(document) ? kDone : kFailed; });
+    // A script may have closed the drawing and opened others.
+    guarded(line, [] {
+        lm::host::documentManager().closeAll();
+        return kDone;
+    });
     return code;
 }
 

@@ -19,6 +19,12 @@ std::vector<std::string> takeModules(const std::vector<std::string>& given, Comm
     return rest;
 }
 
+/// Options whose value is the argument behind them.
+bool takesValue(const std::string& option) {
+    return option == "--name" || option == "--fix" || option == "--version" || option == "--save" ||
+           option == "--events" || option == "--time-limit";
+}
+
 } // namespace
 
 CommandLine readCommandLine(const std::vector<std::string>& given) {
@@ -42,13 +48,18 @@ CommandLine readCommandLine(const std::vector<std::string>& given) {
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const bool option = argument.size() > 1 && argument[0] == '-';
-        const bool value = i > 1 && arguments[i - 1] == "--name";
-        if (line.file.empty() && !option && !value)
+        const bool value = i > 1 && takesValue(arguments[i - 1]);
+        if (line.command == "run" && argument == "--new" && !value)
+            line.newDrawing = true;
+        else if (line.file.empty() && !line.newDrawing && !option && !value)
             line.file = argument;
         else
             line.rest.push_back(argument);
     }
-    if (line.file.empty()) line.fault = line.command + " needs a file";
+    if (line.newDrawing && !line.file.empty())
+        line.fault = "run takes a file or --new, found both";
+    else if (line.file.empty() && !line.newDrawing)
+        line.fault = line.command + " needs a file";
     return line;
 }
 

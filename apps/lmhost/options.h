@@ -13,6 +13,7 @@ struct CommandLine {
     std::string file;
     std::vector<std::string> rest;    ///< arguments behind the file
     std::vector<std::string> modules; ///< further modules, one for each `--module NAME`
+    bool newDrawing = false;          ///< `run --new`: an empty drawing in place of a file
     bool help = false;
     std::string fault; ///< why the line can't be understood; empty when it can
 };
