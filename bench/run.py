@@ -119,11 +119,13 @@ def against_ezdxf():
     report("ezdxf's listing of M, times ours", peer.seconds / ours, 40, "times", least=True)
 
 
-def operations():
+def timed(name):
+    """Nanoseconds by benchmark of a program with Google Benchmark: the best of several rounds, for each item where
+    the benchmark counts items."""
     environment = dict(os.environ, LM_BENCH_DRAWING=drawing("L"))
-    answer = subprocess.run([program("lm_bench_operations"), "--benchmark_format=json",
-                             "--benchmark_repetitions=%d" % ROUNDS, "--benchmark_enable_random_interleaving=true",
-                             "--benchmark_min_time=0.2"], env=environment, check=True, stdout=subprocess.PIPE)
+    answer = subprocess.run([program(name), "--benchmark_format=json", "--benchmark_repetitions=%d" % ROUNDS,
+                             "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.2"],
+                            env=environment, check=True, stdout=subprocess.PIPE)
     times = {}
     for run in json.loads(answer.stdout)["benchmarks"]:
         if run["run_type"] != "iteration":
@@ -132,7 +134,13 @@ def operations():
             sys.exit("%s: %s" % (run["name"], run["error_message"]))
         scale = {"ns": 1, "us": 1e3, "ms": 1e6}[run["time_unit"]]
         value = 1e9 / run["items_per_second"] if "items_per_second" in run else run["cpu_time"] * scale
-        times[run["name"]] = min(value, times.get(run["name"], value))
+        key = run["name"].split("/iterations")[0]
+        times[key] = min(value, times.get(key, value))
+    return times
+
+
+def operations():
+    times = timed("lm_bench_operations")
     report("look-up by handle, hot, in a million objects", times["handleLookUp"], 3, "ns")
     report("open and close an object for reading", times["openAndClose"], 25, "ns")
     report("walk over model space with one attribute by tag, a reference", times["walkByTag"], 70, "ns")
@@ -148,11 +156,41 @@ def operations():
            "times")
 
 
+def changes():
+    times = timed("lm_bench_database")
+    report("xData of a chain of five records", times["readExtendedData"], 500, "ns")
+    report("setXData of a chain of five records", times["writeExtendedData"], 500, "ns")
+    report("append a reference with eight attributes, undo on", times["appendReference"] / 1e3, 3, "us")
+    report("edit one attribute of L as a step of undo", times["editAttribute"] / 1e3, 5, "us")
+    print("the same and take it back: %.2f us" % (times["editAndUndo"] / 1e3))
+    report("deepCloneObjects of 10,000 references", times["cloneReferences"] / 1e6, 100, "ms")
+    report("insert of a symbol into L", times["insertSymbol"] / 1e3, 200, "us")
+    report("purge, time for a block of 8,000, times that of 1,000", times["purgeBlocks/8000"] / times["purgeBlocks/1000"],
+           2, "times")
+    report("read a LISP symbol", times["readSymbol"], 1000, "ns")
+
+
+def converting():
+    text, middle = drawing("L"), drawing("M")
+    target = os.path.join(DATA, "written.dxf")
+    lmhost = program("lmhost")
+    scanned, converted = alternate(lambda: Run(program("lm_bench_scan"), text, target),
+                                   lambda: Run(lmhost, "convert", text, target, keep=False))
+    report("read and write L, times scan and plain write", best(converted) / best(scanned), 6.5, "times")
+    script = "import sys, ezdxf; ezdxf.readfile(sys.argv[1]).saveas(sys.argv[2])"
+    peer = Run("/usr/bin/python3", "-c", script, middle, target)
+    ours = best([Run(lmhost, "convert", middle, target, keep=False) for _ in range(3)])
+    report("ezdxf's reading and writing of M, times ours", peer.seconds / ours, 50, "times", least=True)
+    os.remove(target)
+
+
 if __name__ == "__main__":
     if not os.path.exists(os.path.join(SHARED, "tools", "make_drawing.py")):
         sys.exit("shared drawings not found: %s has no tools/make_drawing.py" % SHARED)
-    wanted = sys.argv[1:] or ["processes", "operations", "ezdxf"]
-    for name, part in (("processes", whole_processes), ("operations", operations), ("ezdxf", against_ezdxf)):
+    parts = (("processes", whole_processes), ("operations", operations), ("changes", changes),
+             ("converting", converting), ("ezdxf", against_ezdxf))
+    wanted = sys.argv[1:] or [name for name, _ in parts]
+    for name, part in parts:
         if name in wanted:
             part()
     print("%d of %d bars passed" % (sum(results), len(results)))
