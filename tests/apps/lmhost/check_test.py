@@ -15,7 +15,7 @@ def groups(*pairs):
 
 def damaged():
     """The sample project with an application that nobody registered, a handle in extended data that leads
-    nowhere, a reference to a block that isn't there, and handles beyond the seed."""
+    nowhere, a reference to a block that isn't there, and handles beyond $HANDSEED."""
     with open(support.SAMPLE, encoding="utf-8") as file:
         text = file.read()
     place = text.index("  0\nENDSEC\n", text.index("  2\nENTITIES\n"))

@@ -81,13 +81,13 @@ void checkSeed(CheckContext& context) {
     const std::uint64_t seed = parseHandle(digits, bad);
     std::uint64_t highest = 0;
     data.nodes.forEach([&highest](Node& node) {
-        // The reader and later changes give their own handles beyond the seed.
+        // The reader and later changes give their own handles beyond $HANDSEED.
         if (node.length != 0 && !node.has(Node::kDirty)) highest = std::max(highest, node.handle);
     });
     if (!bad && seed > highest) return;
     context.add(
         Flaw::kLowSeed, nullptr, [&] { return "\"" + digits + "\", the highest is " + hexText(highest); },
-        true); // new handles go on behind the highest, and so does the seed that is saved
+        true); // new handles go on behind the highest, and so does what is saved as $HANDSEED
 }
 
 /// Header variables that name records.
