@@ -259,7 +259,7 @@ TEST(Skeleton, NewLayersHaveThePlotStyleOfTheirDrawing) {
 }
 
 // --- what a listing shows
-// ---------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 std::string shown(const OdDbDatabase& db) {
     const lm::drawing::Inventory inventory = lm::drawing::takeInventory(db);

@@ -35,7 +35,7 @@ private:
         }
         const auto [other, isNew] = m_folded.try_emplace(foldedName(name.view()), &record);
         if (isNew) return;
-        m_context.add(Flaw::kNamesByCase, &record, [&] {
+        m_context.add(Flaw::kNamesByCase, &record, [&, other = other] {
             return quoted(name) + ", like " + quoted(recordName(m_context.data, other->second)) + " at " +
                    hexText(other->second->handle);
         });
@@ -90,7 +90,7 @@ private:
         const auto [other, isNewFolded] = m_folded.try_emplace(foldedName(name.view()), name);
         if (!isNewFolded)
             m_context.add(Flaw::kEntriesByCase, &m_node,
-                          [&] { return quoted(name) + ", like " + quoted(other->second); });
+                          [&, other = other] { return quoted(name) + ", like " + quoted(other->second); });
     }
 
     /// A second entry for the same object says nothing; one for another gets a name of its own.

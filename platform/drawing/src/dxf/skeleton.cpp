@@ -33,21 +33,12 @@ bool hasRecords(const Node& table) {
     return false;
 }
 
-bool hasName(DatabaseData& data, const Node* table, std::string_view name) {
-    const WideString wanted = system::widen(name);
-    for (Node* at = table != nullptr ? table->firstPart : nullptr; at != nullptr; at = at->next) {
-        if (at->isErased()) continue;
-        const auto* body = static_cast<OdDbSymbolTableRecord*>(data.bodyOf(at));
-        if (system::equalsNoCase(body->getName().view(), wanted)) return true;
-    }
-    return false;
-}
-
 } // namespace
 
 Skeleton::Skeleton(DatabaseData& data, FileVersion version, SpareHandles& handles)
     : m_data(data), m_version(version), m_handles(handles),
-      m_complete(data.source == nullptr || isOldSource(data)) {
+      m_complete(data.source == nullptr || isOldSource(data)), m_blocks(data.fixed.blockTable),
+      m_layers(data.fixed.layerTable) {
     if (m_complete) {
         planTables();
         planRoot();
@@ -60,13 +51,13 @@ Skeleton::Skeleton(DatabaseData& data, FileVersion version, SpareHandles& handle
 }
 
 // --- planning
-// --------------------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 void Skeleton::planTables() {
     m_ucsTable = m_handles.take();
     m_dimstyleTable = m_handles.take();
     m_dimstyle = m_handles.take();
-    if (!hasName(m_data, m_data.fixed.appTable, "ACAD")) m_application = m_handles.take();
+    if (RecordNames(m_data.fixed.appTable).find(odText("ACAD")) == nullptr) m_application = m_handles.take();
 }
 
 void Skeleton::planRoot() {
@@ -90,6 +81,7 @@ void Skeleton::planLayouts() {
         const int order = model ? 0 : ++papers;
         const std::string name = model ? "Model" : "Layout" + std::to_string(order);
         m_layouts.push_back({record, name, order, m_handles.take()});
+        m_layoutHandles.emplace(record, m_layouts.back().handle);
         m_changed.push_back(record);
     }
 }
@@ -111,7 +103,7 @@ bool Skeleton::isMade(std::string_view rootName) const {
 }
 
 // --- owners
-// ----------------------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 void Skeleton::findOwners() {
     if (m_data.source == nullptr || m_data.version < kFirstObjectVersion) return;
@@ -153,7 +145,7 @@ std::uint64_t Skeleton::ownerOf(const Node& object) const {
 }
 
 // --- header, classes, tables
-// ------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 OutGroups Skeleton::header() const {
     return m_data.source == nullptr ? newDrawingHeader() : OutGroups();
@@ -201,15 +193,16 @@ std::vector<OutEntry> Skeleton::records(const Node& table) const {
     std::vector<OutEntry> made;
     if (m_application != 0 && &table == m_data.fixed.appTable)
         made.push_back(recordEntry("APPID", m_application, table.handle, "AcDbRegAppTableRecord", "ACAD"));
-    const bool lacksStandard =
-        m_data.source == nullptr ? !hasName(m_data, &table, "Standard") : !hasRecords(table);
+    const bool lacksStandard = m_data.source == nullptr
+                                   ? RecordNames(&table).find(odText("Standard")) == nullptr
+                                   : !hasRecords(table);
     if (m_complete && &table == m_data.fixed.dimstyleTable && lacksStandard)
         made.push_back(dimensionStyleEntry(m_dimstyle, table.handle, m_data.fixed.standardStyle->handle));
     return made;
 }
 
 // --- objects
-// ---------------------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 std::vector<OutEntry> Skeleton::objects() const {
     std::vector<OutEntry> made;
@@ -259,15 +252,14 @@ OdGePoint3d Skeleton::headerPoint(const Layout& layout, const char* name,
 }
 
 // --- entries of the database
-// ------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 void Skeleton::addTo(const Node& node, OutGroups& groups) const {
     if (&node == m_data.fixed.dictionary) return addRootEntries(groups);
     if (&node == m_data.fixed.dimstyleTable) return addDimensionMark(groups);
-    const auto layout = std::find_if(m_layouts.begin(), m_layouts.end(),
-                                     [&node](const Layout& l) { return l.record == &node; });
-    if (layout == m_layouts.end()) return;
-    const OutGroup link = OutGroup::handle(340, layout->handle);
+    const auto layout = m_layoutHandles.find(&node);
+    if (layout == m_layoutHandles.end()) return;
+    const OutGroup link = OutGroup::handle(340, layout->second);
     const auto at = [&groups](int code) {
         return std::find_if(groups.begin(), groups.end(),
                             [code](const OutGroup& g) { return g.code == code; });

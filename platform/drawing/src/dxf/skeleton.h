@@ -4,7 +4,7 @@
 // They exist in the file only. Read again they are ordinary objects, and nothing is lacking any more.
 #pragma once
 
-#include "dxf/outgroups.h"
+#include "dxf/recordnames.h"
 
 #include <unordered_map>
 
@@ -37,6 +37,9 @@ public:
     std::uint64_t plotStyle() const { return m_plotStyle; }
     /// The owner of an object that names none in an old source; 0 when nobody is known to own it.
     std::uint64_t ownerOf(const Node& object) const;
+    /// Blocks and layers by the names that old entries have for them.
+    const RecordNames& blocks() const { return m_blocks; }
+    const RecordNames& layers() const { return m_layers; }
 
 private:
     /// A dictionary that the named objects dictionary lacks.
@@ -71,6 +74,8 @@ private:
     std::vector<const Node*> m_changed;
     std::vector<RootEntry> m_root;
     std::vector<Layout> m_layouts;
+    std::unordered_map<const Node*, std::uint64_t> m_layoutHandles; ///< by block record
+    RecordNames m_blocks, m_layers;
     std::uint64_t m_plotStyle = 0;
     std::uint64_t m_lineStyle = 0;
     std::uint64_t m_ucsTable = 0, m_dimstyleTable = 0, m_dimstyle = 0;

@@ -52,7 +52,7 @@ public:
 
 private:
     // --- taking apart and putting together
-    // --------------------------------------------------------------------------
+    // -------------------------------------------------------------------------------------------------------
 
     /// Head: handle, lists in braces and owner. Tail: comments and extended data. The rest is the body.
     void split() {
@@ -131,13 +131,13 @@ private:
     }
 
     // --- entities
-    // ------------------------------------------------------------------------------------------------------
+    // -------------------------------------------------------------------------------------------------------
 
     void entity() {
         putNodeOwner();
         if (m_node.kind == kKindBlock) nameBlock();
         if (!m_marked) markEntity();
-        if (m_kind == "VIEWPORT") addView(m_data, m_body, m_tail);
+        if (m_kind == "VIEWPORT") addView(m_skeleton.layers(), m_body, m_tail);
     }
 
     void markEntity() {
@@ -236,7 +236,7 @@ private:
     }
 
     // --- tables and records
-    // --------------------------------------------------------------------------------------------
+    // -------------------------------------------------------------------------------------------------------
 
     void table() {
         putOwner(0, true);
@@ -276,9 +276,13 @@ private:
     void tellDashes() {
         constexpr int kDash = 49, kSort = 74;
         if (has(kSort)) return;
-        for (std::size_t i = 0; i < m_body.size(); ++i)
-            if (m_body[i].code == kDash)
-                m_body.insert(m_body.begin() + static_cast<std::ptrdiff_t>(++i), OutGroup::integer(kSort, 0));
+        OutGroups told;
+        for (OutGroup& group : m_body) {
+            const bool dash = group.code == kDash;
+            told.push_back(std::move(group));
+            if (dash) told.push_back(OutGroup::integer(kSort, 0));
+        }
+        m_body = std::move(told);
     }
 
     void completeLayer() {
@@ -313,16 +317,8 @@ private:
 
     /// The block of an arrow. Arrows that programs bring along have an underscore before their name.
     const Node* arrowBlock(const OdString& name) const {
-        const OdString own = odText("_") + name;
-        for (const Node* record = m_data.fixed.blockTable->firstPart; record != nullptr;
-             record = record->next) {
-            const auto* body = record->body != nullptr ? OdDbBlockTableRecord::cast(record->body) : nullptr;
-            if (body == nullptr || record->isErased()) continue;
-            const WideView there = body->getName().view();
-            if (system::equalsNoCase(there, name.view()) || system::equalsNoCase(there, own.view()))
-                return record;
-        }
-        return nullptr;
+        const Node* const block = m_skeleton.blocks().find(name);
+        return block != nullptr ? block : m_skeleton.blocks().find(odText("_") + name);
     }
 
     // --- objects

@@ -35,7 +35,7 @@ struct View {
 /// Reads the groups of an MVIEW list in their fixed order.
 class ViewReader {
 public:
-    ViewReader(const DatabaseData& data, const OutGroups& tail) : m_data(data), m_tail(tail) {}
+    ViewReader(const RecordNames& layers, const OutGroups& tail) : m_layers(layers), m_tail(tail) {}
 
     bool read(View& view) {
         if (!findList()) return false;
@@ -117,20 +117,10 @@ private:
         if (take(kBrace) == nullptr) return;
         for (const OutGroup* group = at(m_next); group != nullptr && group->code == kLayer;
              group = at(++m_next))
-            if (const Node* layer = layerNamed(textOf(*group))) view.frozen.push_back(layer);
-    }
-    const Node* layerNamed(const OdString& name) const {
-        for (const Node* record = m_data.fixed.layerTable->firstPart; record != nullptr;
-             record = record->next) {
-            const auto* body = OdDbLayerTableRecord::cast(record->body);
-            if (body != nullptr && !record->isErased() &&
-                system::equalsNoCase(body->getName().view(), name.view()))
-                return record;
-        }
-        return nullptr;
+            if (const Node* layer = m_layers.find(textOf(*group))) view.frozen.push_back(layer);
     }
 
-    const DatabaseData& m_data;
+    const RecordNames& m_layers;
     const OutGroups& m_tail;
     std::size_t m_next = 0;
     bool m_bad = false;
@@ -170,12 +160,12 @@ void addGroups(OutGroups& out, const View& view) {
 
 } // namespace
 
-void addView(const DatabaseData& data, OutGroups& body, const OutGroups& tail) {
+void addView(const RecordNames& layers, OutGroups& body, const OutGroups& tail) {
     constexpr int kViewHeight = 45;
     if (std::any_of(body.begin(), body.end(), [](const OutGroup& g) { return g.code == kViewHeight; }))
         return;
     View view;
-    if (ViewReader(data, tail).read(view)) addGroups(body, view);
+    if (ViewReader(layers, tail).read(view)) addGroups(body, view);
 }
 
 } // namespace lm::drawing

@@ -6,6 +6,7 @@
 #include "model/names.h"
 
 #include "drawing/alloc.h"
+#include "drawing/seams.h"
 
 #include <unordered_map>
 
@@ -34,10 +35,21 @@ OdDbHandle OdDbObjectId::getHandle() const noexcept {
     return OdDbHandle(m_node != nullptr ? m_node->handle : 0);
 }
 
+namespace {
+const Node* g_refusesWriting = nullptr; // belongs to the host's thread, like every opening
+}
+
+namespace lm::drawing {
+void refuseWriting(OdDbObjectId id) noexcept {
+    g_refusesWriting = id.node();
+}
+} // namespace lm::drawing
+
 OdSmartPtr<OdDbObject> OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
     if (!isValid() || (m_node->isErased() && !openErased)) return {};
     OdDbObject* body = m_node->body;
     if (body == nullptr) body = m_node->database()->data().bodyOf(m_node);
+    if (mode == OdDb::kForWrite && m_node == g_refusesWriting) return {};
     if (mode == OdDb::kForWrite) ObjectAccess::setOpenForWrite(*body, true);
     return OdSmartPtr<OdDbObject>(body);
 }
