@@ -78,6 +78,19 @@ TEST_F(LispDrawing, RefusesListsThatMakeNoEntity) {
              "(entmake '((0 . \"LAYER\")))",
              "(entmake '((0 . \"LAYER\") (2 . \"0\")))",
              "(entmake nil)",
+             "(entmake '((0 . \"CIRCLE\") (10 1 2) (40 . 0)))",
+             "(entmake '((0 . \"CIRCLE\") (10 1 2) (40 . 1e999)))",
+             "(entmake '((0 . \"LINE\") (10 1e999 2)))",
+             "(entmake '((0 . \"TEXT\") (40 . -1) (1 . \"x\")))",
+             "(entmake '((0 . \"TEXT\") (72 . 9)))",
+             "(entmake '((0 . \"LINE\") (370 . 900)))",
+             "(entmake '((0 . \"INSERT\") (2 . \"*Model_Space\") (10 0 0)))",
+             "(entmakex '((0 . \"XRECORD\") (40 . \"x\")))",
+             "(entmakex '((0 . \"XRECORD\") (70 . 70000)))",
+             "(entmakex '((0 . \"XRECORD\") (310 . \"0G\")))",
+             "(entmakex '((0 . \"XRECORD\") (330 . 5)))",
+             "(entmakex '((0 . \"XRECORD\") (1 . 5)))",
+             "(entmakex '((0 . \"XRECORD\") (5000 . 5)))",
          })
         EXPECT_EQ("nil", run(program)) << program;
     EXPECT_EQ("nil", run("(types)"));
@@ -161,6 +174,11 @@ TEST_F(LispDrawing, FillsBlocksAndReferences) {
          "(\"SEQEND\" T T)"},
         {"(setq i (entget r)) (mapcar '(lambda (c) (dxf c i)) '(66 2 10 41 42 50))",
          "(1 \"SYM\" (5.0 5.0 0.0) 2.0 1.0 1.5)"},
+        // A block doesn't stand in itself.
+        {"(entmake '((0 . \"BLOCK\") (2 . \"SELF\"))) (list (entmake '((0 . \"INSERT\") (2 . \"SELF\") (10 0 "
+         "0))) (entmake '((0 . "
+         "\"ENDBLK\"))))",
+         "(nil \"SELF\")"},
         {"(entmod (subst '(1 . \"K2\") '(1 . \"K1\") (entget a))) (dxf 1 (entget a))", "\"K2\""},
         // A block that is there is filled anew.
         {"(entmake '((0 . \"BLOCK\") (2 . \"SYM\"))) (entmake '((0 . \"POINT\") (10 0 0))) (entmake '((0 . "
@@ -289,6 +307,21 @@ TEST_F(LispDrawing, KeepsDictionariesAndRecords) {
         {"(list (dictsearch d \"MINE\") (dictremove d \"MINE\") (entget x))", "(nil nil nil)"},
         {"(dictadd d \"LINE\" (line 1.0 \"A\"))", "nil"},
         {"(dictsearch (entlast) \"X\")", "error: bad argument type: dictionary"},
+        {"(dictadd s \"AGAIN\" (dxf -1 (dictsearch s \"IN\")))", "nil"}, // it has its place
+        {"(dictadd d \"RAW\" (entmakex (list '(0 . \"XRECORD\") '(310 . \"00ff7F\") '(290 . 1) (cons 330 "
+         "d)))) (assoc 310 "
+         "(dictsearch d \"RAW\"))",
+         "(310 . \"00FF7F\")"},
+        // A pointer to the owner among the data stays, the owner itself is none of them.
+        {"(setq l (dictsearch d \"RAW\") n (length l)) (entmod l) (list (= n (length (dictsearch d "
+         "\"RAW\"))) (equal (last l) "
+         "(cons 330 d)))",
+         "(T T)"},
+        {"(setq x (entmakex '((0 . \"XRECORD\") (100 . \"Class\") (280 . 1) (280 . 0) (1 . \"t\")))) (cddr "
+         "(entget x))",
+         "((280 . 0) (1 . \"t\"))"},
+        {"(entdel d)", "nil"},
+        {"(equal s (entdel s))", "T"},
     });
 }
 
@@ -458,6 +491,9 @@ TEST_F(LispDrawing, RunsCommandsOfTheHost) {
                                           [](OdEdCommandContext&) { throw lm::host::CommandCancelled(); });
     EXPECT_EQ("T", run("(vl-cmdf \"LMLISPASKS\" \"word\" 5 '(1 2))"));
     EXPECT_EQ("word 5 2", answers);
+    lisp.pushAnswer(wide("paused"));
+    EXPECT_EQ("T", run("(vl-cmdf \"LMLISPASKS\" pause 6 '(1 3))"));
+    EXPECT_EQ("paused 6 3", answers);
     EXPECT_EQ("nil", run("(vl-cmdf \"_LMLISPCANCELS\")"));
     EXPECT_EQ("error: no reason at all (line 1, column 1)", run("(command \"_LMLISPFAILS\")"));
     EXPECT_EQ("\"no reason at all\"",

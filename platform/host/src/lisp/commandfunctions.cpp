@@ -4,6 +4,7 @@
 #include "entityname.h"
 #include "hoststate.h"
 #include "points.h"
+#include "questions.h"
 #include "records.h"
 
 #include "host/documentmanager.h"
@@ -15,6 +16,9 @@ namespace {
 /// An argument as the answer to a command's question.
 Answer answerOfValue(Machine& machine, const Value& value) {
     if (value.isNil()) return Answer();
+    // A lone "\\", the value of PAUSE, leaves the question to whoever answers.
+    if (value.isText() && value.text() == system::widen("\\"))
+        return Answer(system::toUtf8(takeAnswer(machine, "COMMAND")));
     if (value.isText()) return Answer(system::toUtf8(value.text()));
     if (value.isNumber()) return Answer(value.number());
     if (const EntityName* name = foreignOf<EntityName>(value)) return Answer(name->id());

@@ -7,6 +7,8 @@
 #include "drawing/drawing.h"
 #include "drawing/partwalk.h"
 
+#include <cmath>
+
 namespace lm::host::lisp {
 
 namespace {
@@ -39,9 +41,15 @@ Value getReal(Machine&, const OdDbObject& object) {
 }
 template<auto Set>
 bool setReal(const FieldTarget& target, const Value& value) {
-    if (!value.isNumber()) return false;
+    if (!value.isNumber() || !std::isfinite(value.number())) return false;
     if (target.apply) write<Set>(target.object, value.number());
     return true;
+}
+
+/// A length that can't be 0.
+template<auto Set>
+bool setSize(const FieldTarget& target, const Value& value) {
+    return value.isNumber() && value.number() > 0 && setReal<Set>(target, value);
 }
 
 template<auto Get>
@@ -53,6 +61,11 @@ bool setInteger(const FieldTarget& target, const Value& value) {
     if (!value.isInteger()) return false;
     if (target.apply) write<Set>(target.object, value.integer());
     return true;
+}
+template<auto Set, int Least, int Most>
+bool setRange(const FieldTarget& target, const Value& value) {
+    return value.isInteger() && value.integer() >= Least && value.integer() <= Most &&
+           setInteger<Set>(target, value);
 }
 template<auto Set>
 bool setFlag(const FieldTarget& target, const Value& value) {
@@ -72,6 +85,13 @@ bool setText(const FieldTarget& target, const Value& value) {
     return true;
 }
 
+/// A point that a drawing can hold.
+std::optional<Point> placeOf(const Value& value) {
+    const std::optional<Point> point = pointOf(value);
+    const bool fits = point && std::isfinite(point->x) && std::isfinite(point->y) && std::isfinite(point->z);
+    return fits ? point : std::nullopt;
+}
+
 template<auto Get>
 Value getPoint(Machine& machine, const OdDbObject& object) {
     const auto point = read<Get>(object);
@@ -79,14 +99,14 @@ Value getPoint(Machine& machine, const OdDbObject& object) {
 }
 template<auto Set>
 bool setPoint(const FieldTarget& target, const Value& value) {
-    const std::optional<Point> point = pointOf(value);
+    const std::optional<Point> point = placeOf(value);
     if (!point) return false;
     if (target.apply) write<Set>(target.object, point->inSpace());
     return true;
 }
 template<auto Set>
 bool setVector(const FieldTarget& target, const Value& value) {
-    const std::optional<Point> point = pointOf(value);
+    const std::optional<Point> point = placeOf(value);
     if (!point || (point->x == 0 && point->y == 0 && point->z == 0)) return false;
     if (target.apply) write<Set>(target.object, OdGeVector3d(point->x, point->y, point->z));
     return true;
@@ -200,8 +220,8 @@ const Field kEntity[] = {
     {62, &getColor, &setColor},
     {420, &getTrueColor, &setTrueColor},
     {440, &getTransparency, &setTransparency},
-    {48, &getLinetypeScale, &setReal<&OdDbEntity::setLinetypeScale>},
-    {370, &getLineWeight, &setInteger<&OdDbEntity::setLineWeight>},
+    {48, &getLinetypeScale, &setSize<&OdDbEntity::setLinetypeScale>},
+    {370, &getLineWeight, &setRange<&OdDbEntity::setLineWeight, -3, 211>},
     {60, &getInvisible, &setInvisible},
 };
 
@@ -231,9 +251,13 @@ bool setMirror(const FieldTarget& target, const Value& value) {
 Value getBlock(Machine& machine, const OdDbObject& object) {
     return nameOfRecord(machine, static_cast<const OdDbBlockReference&>(object).blockTableRecord());
 }
+// Neither a space nor the block that the reference stands in.
 bool setBlock(const FieldTarget& target, const Value& value) {
     bool fits = false;
     const OdDbObjectId id = recordOf(target.database.getBlockTableId(), value, fits);
+    const OdSmartPtr<OdDbObject> record = id.openObject();
+    const auto* block = OdDbBlockTableRecord::cast(record.get());
+    if (block == nullptr || block->isLayout() || id == target.object.ownerId()) return false;
     if (fits && target.apply) static_cast<OdDbBlockReference&>(target.object).setBlockTableRecord(id);
     return fits;
 }
@@ -276,18 +300,18 @@ const Field kLine[] = {{10, &getPoint<&OdDbLine::startPoint>, &setPoint<&OdDbLin
                        {11, &getPoint<&OdDbLine::endPoint>, &setPoint<&OdDbLine::setEndPoint>}};
 
 const Field kCircle[] = {{10, &getPoint<&OdDbCircle::center>, &setPoint<&OdDbCircle::setCenter>},
-                         {40, &getReal<&OdDbCircle::radius>, &setReal<&OdDbCircle::setRadius>},
+                         {40, &getReal<&OdDbCircle::radius>, &setSize<&OdDbCircle::setRadius>},
                          {210, &getPoint<&OdDbCircle::normal>, &setVector<&OdDbCircle::setNormal>}};
 
 const Field kArc[] = {{10, &getPoint<&OdDbArc::center>, &setPoint<&OdDbArc::setCenter>},
-                      {40, &getReal<&OdDbArc::radius>, &setReal<&OdDbArc::setRadius>},
+                      {40, &getReal<&OdDbArc::radius>, &setSize<&OdDbArc::setRadius>},
                       {50, &getReal<&OdDbArc::startAngle>, &setReal<&OdDbArc::setStartAngle>},
                       {51, &getReal<&OdDbArc::endAngle>, &setReal<&OdDbArc::setEndAngle>},
                       {210, &getPoint<&OdDbArc::normal>, &setVector<&OdDbArc::setNormal>}};
 
 const Field kEllipse[] = {{10, &getPoint<&OdDbEllipse::center>, &setPoint<&OdDbEllipse::setCenter>},
                           {11, &getPoint<&OdDbEllipse::majorAxis>, &setVector<&OdDbEllipse::setMajorAxis>},
-                          {40, &getReal<&OdDbEllipse::radiusRatio>, &setReal<&OdDbEllipse::setRadiusRatio>},
+                          {40, &getReal<&OdDbEllipse::radiusRatio>, &setSize<&OdDbEllipse::setRadiusRatio>},
                           {41, &getReal<&OdDbEllipse::startParam>, &setReal<&OdDbEllipse::setStartParam>},
                           {42, &getReal<&OdDbEllipse::endParam>, &setReal<&OdDbEllipse::setEndParam>},
                           {210, &getPoint<&OdDbEllipse::normal>, &setVector<&OdDbEllipse::setNormal>}};
@@ -300,26 +324,26 @@ const Field kPolyline[] = {{90, &getVertexCount, nullptr},
 
 #define LM_TEXT_FIELDS                                                                                       \
     {10, &getPoint<&OdDbText::position>, &setPoint<&OdDbText::setPosition>},                                 \
-        {40, &getReal<&OdDbText::height>, &setReal<&OdDbText::setHeight>},                                   \
+        {40, &getReal<&OdDbText::height>, &setSize<&OdDbText::setHeight>},                                   \
         {1, &getText<&OdDbText::textString>, &setText<&OdDbText::setTextString>},                            \
         {50, &getReal<&OdDbText::rotation>, &setReal<&OdDbText::setRotation>},                               \
-        {41, &getReal<&OdDbText::widthFactor>, &setReal<&OdDbText::setWidthFactor>},                         \
+        {41, &getReal<&OdDbText::widthFactor>, &setSize<&OdDbText::setWidthFactor>},                         \
         {51, &getReal<&OdDbText::oblique>, &setReal<&OdDbText::setOblique>}, {7, &getStyle, &setStyle},      \
         {71, &getMirror, &setMirror},                                                                        \
-        {72, &getInteger<&OdDbText::horizontalMode>, &setInteger<&OdDbText::setHorizontalMode>},             \
+        {72, &getInteger<&OdDbText::horizontalMode>, &setRange<&OdDbText::setHorizontalMode, 0, 5>},         \
         {11, &getPoint<&OdDbText::alignmentPoint>, &setPoint<&OdDbText::setAlignmentPoint>}, {               \
         210, &getPoint<&OdDbText::normal>, &setVector<&OdDbText::setNormal>                                  \
     }
 
-const Field kText[] = {LM_TEXT_FIELDS,
-                       {73, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+const Field kText[] = {
+    LM_TEXT_FIELDS, {73, &getInteger<&OdDbText::verticalMode>, &setRange<&OdDbText::setVerticalMode, 0, 3>}};
 
 const Field kAttribute[] = {
     LM_TEXT_FIELDS,
     {2, &getText<&OdDbAttribute::tag>, &setText<&OdDbAttribute::setTag>},
     {70, &getAttributeFlags<OdDbAttribute>, &setFlag<&OdDbAttribute::setInvisible>},
-    {73, &getInteger<&OdDbAttribute::fieldLength>, &setInteger<&OdDbAttribute::setFieldLength>},
-    {74, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+    {73, &getInteger<&OdDbAttribute::fieldLength>, &setRange<&OdDbAttribute::setFieldLength, 0, INT16_MAX>},
+    {74, &getInteger<&OdDbText::verticalMode>, &setRange<&OdDbText::setVerticalMode, 0, 3>}};
 
 const Field kDefinition[] = {
     LM_TEXT_FIELDS,
@@ -327,13 +351,13 @@ const Field kDefinition[] = {
     {2, &getText<&OdDbAttributeDefinition::tag>, &setText<&OdDbAttributeDefinition::setTag>},
     {70, &getAttributeFlags<OdDbAttributeDefinition>, &setFlag<&OdDbAttributeDefinition::setInvisible>},
     {73, &getInteger<&OdDbAttributeDefinition::fieldLength>,
-     &setInteger<&OdDbAttributeDefinition::setFieldLength>},
-    {74, &getInteger<&OdDbText::verticalMode>, &setInteger<&OdDbText::setVerticalMode>}};
+     &setRange<&OdDbAttributeDefinition::setFieldLength, 0, INT16_MAX>},
+    {74, &getInteger<&OdDbText::verticalMode>, &setRange<&OdDbText::setVerticalMode, 0, 3>}};
 
 #undef LM_TEXT_FIELDS
 
 const Field kMText[] = {{10, &getPoint<&OdDbMText::location>, &setPoint<&OdDbMText::setLocation>},
-                        {40, &getReal<&OdDbMText::textHeight>, &setReal<&OdDbMText::setTextHeight>},
+                        {40, &getReal<&OdDbMText::textHeight>, &setSize<&OdDbMText::setTextHeight>},
                         {41, &getReal<&OdDbMText::width>, &setReal<&OdDbMText::setWidth>},
                         {71, &getInteger<&OdDbMText::attachment>, nullptr},
                         {1, &getText<&OdDbMText::contents>, &setText<&OdDbMText::setContents>},

@@ -60,13 +60,20 @@ Value entmod(Machine& machine, Arguments a) {
     return a[0];
 }
 
+/// Entities, and what stands in dictionaries; records of tables go by commands.
+bool isErasable(const OdDbDatabase& database, const OdDbObject& object) {
+    if (OdDbEntity::cast(&object) != nullptr || OdDbXrecord::cast(&object) != nullptr) return true;
+    return OdDbDictionary::cast(&object) != nullptr &&
+           object.objectId() != database.getNamedObjectsDictionaryId();
+}
+
 // Erases, or brings back what was erased.
 Value entdel(Machine& machine, Arguments a) {
     const OdDbObjectId id = nameAt(machine, a, 0).id();
     if (id.isNull() || id.database() != &requireDatabase(machine)) return Value();
     const OdSmartPtr<OdDbObject> object = id.openObject(OdDb::kForWrite, true);
-    if (object.isNull() || object->erase(!object->isErased()) != eOk) return Value();
-    return a[0];
+    if (object.isNull() || !isErasable(requireDatabase(machine), *object)) return Value();
+    return object->erase(!object->isErased()) == eOk ? a[0] : Value();
 }
 
 Value entupd(Machine& machine, Arguments a) {

@@ -7,22 +7,15 @@
 
 #include "drawing/drawing.h"
 
+#include <cmath>
+#include <utility>
+
 namespace lm::host::lisp {
 
 namespace {
 
 constexpr int kXDataCode = -3;
 constexpr int kApplication = 1001;
-
-bool inRange(int code, int first, int last) {
-    return code >= first && code <= last;
-}
-
-/// Whether the values of a group are reals, which integers become on the way in.
-bool isRealGroup(int code) {
-    return inRange(code, 10, 59) || inRange(code, 110, 149) || inRange(code, 210, 239) ||
-           inRange(code, 460, 469) || inRange(code, 1010, 1042);
-}
 
 Value pair(Machine& machine, int code, Value value) {
     return machine.heap().cons(Value::integer(code), std::move(value));
@@ -160,24 +153,96 @@ Value pairsOf(Machine& machine, const OdResBuf* chain) {
     return list.take();
 }
 
+namespace {
+
+/// What the value of a group must be.
+enum class GroupKind { kNone, kText, kReal, kPoint, kShort, kLong, kBinary, kName };
+
+GroupKind kindOfGroup(int code) {
+    struct Range {
+        int first, last;
+        GroupKind kind;
+    };
+    static constexpr Range kRanges[] = {
+        {1, 4, GroupKind::kText},         {5, 5, GroupKind::kNone},        {6, 9, GroupKind::kText},
+        {10, 37, GroupKind::kPoint},      {38, 59, GroupKind::kReal},      {60, 79, GroupKind::kShort},
+        {90, 99, GroupKind::kLong},       {100, 102, GroupKind::kText},    {110, 112, GroupKind::kPoint},
+        {140, 149, GroupKind::kReal},     {170, 179, GroupKind::kShort},   {210, 239, GroupKind::kPoint},
+        {270, 299, GroupKind::kShort},    {300, 309, GroupKind::kText},    {310, 319, GroupKind::kBinary},
+        {330, 369, GroupKind::kName},     {370, 389, GroupKind::kShort},   {390, 399, GroupKind::kName},
+        {400, 409, GroupKind::kShort},    {410, 419, GroupKind::kText},    {420, 429, GroupKind::kLong},
+        {430, 439, GroupKind::kText},     {440, 449, GroupKind::kLong},    {450, 459, GroupKind::kLong},
+        {460, 469, GroupKind::kReal},     {470, 479, GroupKind::kText},    {1000, 1003, GroupKind::kText},
+        {1004, 1004, GroupKind::kBinary}, {1005, 1005, GroupKind::kText},  {1010, 1013, GroupKind::kPoint},
+        {1040, 1042, GroupKind::kReal},   {1070, 1070, GroupKind::kShort}, {1071, 1071, GroupKind::kLong},
+    };
+    for (const Range& range : kRanges)
+        if (code >= range.first && code <= range.last) return range.kind;
+    return GroupKind::kNone;
+}
+
+/// Bytes of pairs of hexadecimal digits; false for another text.
+bool bytesOf(const WideString& text, std::string& bytes) {
+    if (text.size() % 2 != 0) return false;
+    const auto digit = [](WideChar unit) {
+        if (unit >= '0' && unit <= '9') return unit - '0';
+        const WideChar capital = system::toUpper(unit);
+        return capital >= 'A' && capital <= 'F' ? capital - 'A' + 10 : -1;
+    };
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const int high = digit(text[i]), low = digit(text[i + 1]);
+        if (high < 0 || low < 0) return false;
+        bytes += static_cast<char>(high * 16 + low);
+    }
+    return true;
+}
+
+/// Puts a value into a record; false for one that the group can't hold.
+bool setPayload(OdResBuf& record, const Value& value) {
+    std::string bytes;
+    switch (kindOfGroup(record.restype())) {
+    case GroupKind::kText:
+        if (value.isText()) record.setString(OdString(WideView(value.text())));
+        return value.isText();
+    case GroupKind::kReal:
+        if (!value.isNumber() || !std::isfinite(value.number())) return false;
+        record.setDouble(value.number());
+        return true;
+    case GroupKind::kPoint: {
+        const std::optional<Point> point = pointOf(value);
+        if (!point || !std::isfinite(point->x + point->y + point->z)) return false;
+        record.setPoint3d(point->inSpace());
+        return true;
+    }
+    case GroupKind::kShort:
+        if (!value.isInteger() || value.integer() < INT16_MIN || value.integer() > INT16_MAX) return false;
+        record.setInt32(value.integer());
+        return true;
+    case GroupKind::kLong:
+        if (value.isInteger()) record.setInt32(value.integer());
+        return value.isInteger();
+    case GroupKind::kBinary:
+        if (!value.isText() || !bytesOf(value.text(), bytes)) return false;
+        record.setBinary(bytes);
+        return true;
+    case GroupKind::kName: {
+        const EntityName* name = foreignOf<EntityName>(value);
+        if (name == nullptr || name->id().isNull()) return false;
+        record.setObjectId(name->id());
+        return true;
+    }
+    case GroupKind::kNone:
+        break;
+    }
+    return false;
+}
+
+} // namespace
+
 OdSmartPtr<OdResBuf> recordOfPair(const Value& given) {
     if (!given.isCons() || !given.car().isInteger()) return nullptr;
-    const int code = given.car().integer();
-    const Value& value = given.cdr();
-    OdSmartPtr<OdResBuf> record = OdResBuf::newRb(code);
-    if (value.isText())
-        record->setString(OdString(WideView(value.text())));
-    else if (value.isReal() || (value.isInteger() && isRealGroup(code)))
-        record->setDouble(value.number());
-    else if (value.isInteger())
-        record->setInt32(value.integer());
-    else if (const EntityName* name = foreignOf<EntityName>(value))
-        record->setObjectId(name->id());
-    else if (const std::optional<Point> point = pointOf(value))
-        record->setPoint3d(point->inSpace());
-    else
-        return nullptr;
-    return record;
+    OdSmartPtr<OdResBuf> record = OdResBuf::newRb(given.car().integer());
+    return setPayload(*record, given.cdr()) ? record : OdSmartPtr<OdResBuf>();
 }
 
 namespace {
@@ -250,23 +315,41 @@ bool applyVertices(const FieldTarget& target, const Value& list) {
     return true;
 }
 
-/// An xrecord takes everything but what names it and its place.
+/// Whether a pair of an xrecord's list tells what the object is and where it stands, and is none of its data.
+/// The owner stands once, before the data; a 280 right behind the class mark belongs to the object as well.
+class RecordHead {
+public:
+    explicit RecordHead(const OdDbObject& object) : m_owner(object.ownerId()) {}
+    bool takes(int code, const Value& value) {
+        const bool behindClass = std::exchange(m_behindClass, code == 100);
+        if (code <= 0 || code == 5 || code == 100 || code == 102) return true;
+        if (code == 280) return behindClass;
+        const EntityName* name = code == 330 ? foreignOf<EntityName>(value) : nullptr;
+        if (name == nullptr || m_owner.isNull() || name->id() != m_owner) return false;
+        m_owner = OdDbObjectId();
+        return true;
+    }
+
+private:
+    OdDbObjectId m_owner;
+    bool m_behindClass = false;
+};
+
 bool applyRecordChain(const FieldTarget& target, const Value& list) {
-    OdSmartPtr<OdResBuf> head, last;
+    OdSmartPtr<OdResBuf> first, last;
+    RecordHead head(target.object);
     for (const Value* at = &list; at->isCons(); at = &at->cdr()) {
         const Value& entry = at->car();
         if (!entry.isCons() || !entry.car().isInteger()) return false;
-        const int code = entry.car().integer();
-        if (code < 0 || code == 0 || code == 5 || code == 330 || code == 100 || code == 102 || code == 280)
-            continue;
+        if (head.takes(entry.car().integer(), entry.cdr())) continue;
         const OdSmartPtr<OdResBuf> record = recordOfPair(entry);
         if (record.isNull()) return false;
-        if (head.isNull())
-            head = last = record;
+        if (first.isNull())
+            first = last = record;
         else
             last = last->append(record);
     }
-    if (target.apply) static_cast<OdDbXrecord&>(target.object).setFromRbChain(head);
+    if (target.apply) static_cast<OdDbXrecord&>(target.object).setFromRbChain(first);
     return true;
 }
 
@@ -278,7 +361,9 @@ bool applyOnce(const FieldTarget& target, const std::vector<const Field*>& field
         if (code == kXDataCode && !applyXData(target, entry.cdr())) return false;
         for (const Field* field : fields) {
             if (field->code != code || field->set == nullptr) continue;
-            const Value now = field->get(target.machine, target.object);
+            // What an object of the drawing has already is left alone; a new one is written as a whole.
+            const Value now =
+                target.object.isDBRO() ? field->get(target.machine, target.object) : Value::unbound();
             if (!now.isUnbound() && equalValues(target.machine, now, entry.cdr())) continue;
             if (!field->set(target, entry.cdr())) return false;
         }

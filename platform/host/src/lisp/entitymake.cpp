@@ -61,9 +61,11 @@ private:
             entity->setLayer(m_database.getCLAYER());
         if (!apply(*object)) return Value();
         const auto* reference = OdDbBlockReference::cast(entity);
-        if (reference != nullptr && reference->blockTableRecord().isNull()) return Value();
         const OdSmartPtr<OdDbBlockTableRecord> block(space().openObject(OdDb::kForWrite));
         if (block.isNull()) return Value();
+        // A reference needs a block, and not the one that it is to stand in.
+        const OdDbObjectId referred = reference == nullptr ? OdDbObjectId() : reference->blockTableRecord();
+        if (reference != nullptr && (referred.isNull() || referred == block->objectId())) return Value();
         const OdDbObjectId id = block->appendOdDbEntity(OdSmartPtr<OdDbEntity>(object));
         const Value follow = valueOfCode(m_list, 66);
         if (reference != nullptr && follow.isInteger() && follow.integer() == 1) m_host.openReference = id;

@@ -11,7 +11,7 @@ struct Letters {
     char letter[8] = {};
     std::size_t count = 0;
     template<std::size_t N>
-    consteval Letters(const char (&text)[N]) : count(N - 1) {
+    constexpr Letters(const char (&text)[N]) : count(N - 1) {
         for (std::size_t i = 0; i < N - 1; ++i) letter[i] = text[i];
     }
 };

@@ -18,15 +18,23 @@ const OdDbSymbolTableRecord& record(const OdDbObject& object) {
 Value getName(Machine& machine, const OdDbObject& object) {
     return machine.text(record(object).getName().view());
 }
+
+/// Whether every drawing has the record under its name.
+bool isFixed(const OdDbDatabase& database, const OdDbObject& object) {
+    if (!object.isDBRO()) return false;
+    const auto* block = OdDbBlockTableRecord::cast(&object);
+    const OdDbObjectId id = object.objectId();
+    return (block != nullptr && block->isLayout()) || id == database.getLayerZeroId() ||
+           id == database.getLinetypeByBlockId() || id == database.getLinetypeByLayerId() ||
+           id == database.getLinetypeContinuousId();
+}
+
 bool setName(const FieldTarget& target, const Value& value) {
     if (!value.isText() || value.text().empty()) return false;
     auto& changed = static_cast<OdDbSymbolTableRecord&>(target.object);
     const OdString name{WideView(value.text())};
-    const bool isLayerZero =
-        target.object.isDBRO() && target.object.objectId() == target.database.getLayerZeroId();
-    if (isLayerZero ||
-        (target.object.isDBRO() && !recordNamed(target.object.ownerId(), value.text()).isNull()))
-        return changed.getName() == name;
+    const bool taken = target.object.isDBRO() && !recordNamed(target.object.ownerId(), value.text()).isNull();
+    if (taken || isFixed(target.database, target.object)) return changed.getName() == name;
     if (target.apply) changed.setName(name);
     return true;
 }

@@ -6,6 +6,8 @@
 
 #include "drawing/drawing.h"
 
+#include <algorithm>
+
 namespace lm::host::lisp {
 
 namespace {
@@ -80,7 +82,7 @@ bool relationOf(std::string_view name, Relation& relation) {
 }
 
 bool holds(Relation relation, double found, double wanted) {
-    const auto bits = [](double number) { return static_cast<long long>(number); };
+    const auto bits = [](double number) { return static_cast<long long>(std::clamp(number, -1e15, 1e15)); };
     switch (relation) {
     case Relation::kAny:
         return true;
