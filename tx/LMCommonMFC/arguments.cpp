@@ -3,7 +3,9 @@
 
 #include "host/document.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <initializer_list>
 
 namespace {
@@ -75,9 +77,12 @@ void CCListBuilder::add(const unsigned long long name[2]) {
 }
 
 void CCListBuilder::add(RZString text, short type) {
-    hst_resbufW* const record = lm::host::newRecord(type);
     const hst_resbufW made = text;
+    // Either of the two can fail for want of memory; the copy of the text then goes again.
+    std::unique_ptr<unsigned short, void (*)(void*)> held(made.value.text, &std::free);
+    hst_resbufW* const record = lm::host::newRecord(type);
     record->value = made.value;
+    held.release();
     add(record);
 }
 

@@ -233,7 +233,8 @@ public:
                            OdSmartPtr<OdDbIdMapping> mapa1, OdSmartPtr<OdDbIdMapping> mapa2);
     /// What became of an object in a deep clone; the null id when the mapping doesn't hold it or is null.
     RZID getObjectId(OdSmartPtr<OdDbIdMapping> mapa, RZID id);
-    /// Gives a record another group code; its value stays as it is. Registers nothing.
+    /// Gives a record another group code; its value stays as it is. Registers nothing. Position 0 holds the
+    /// id: another code there raises OdError, since no chain begins so.
     bool convertXDataType(OdSmartPtr<OdDbObject> obj, RZString id, int posicao, int codigo);
     /// The same for each object in order; true when at least one was changed.
     bool convertXDataType(OdArray<OdDbObjectId> ids, RZString id, int posicao, int codigo);

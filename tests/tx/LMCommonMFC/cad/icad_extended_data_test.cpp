@@ -201,7 +201,9 @@ protected:
 
 TEST_F(Handles, FollowTheSecondMappingFirst) {
     store(handle(m_source));
+    const OdSmartPtr<OdDbObject> target = read(m_two);
     EXPECT_TRUE(update(mapping({{m_source, m_one}}), mapping({{m_source, m_two}})));
+    EXPECT_FALSE(target->isWriteEnabled()) << "what it leads to is only read";
     EXPECT_EQ(stored(), handle(m_two));
     EXPECT_EQ(data(m_carrier, "A"), "1001:A 1000:" + handle(m_two) + " 1000:rest");
 }
@@ -330,7 +332,9 @@ TEST_F(ExtendedData, OfSeveralObjectsIsConvertedWhereItIsThere) {
     const OdDbObjectId first = pointWith("A", {"1", "2"}), second = pointWith("A", {"1"}),
                        third = pointWith("A", {"1", "3"}), gone = pointWith("A", {"1", "4"});
     erase(gone);
+    const OdSmartPtr<OdDbObject> without = read(second);
     EXPECT_TRUE(m_cad.convertXDataType({first, second}, "A", 2, 1070));
+    EXPECT_FALSE(without->isWriteEnabled()) << "only what changes is written";
     EXPECT_EQ(data(first), "1001:A 1000:1 1070:2");
     EXPECT_EQ(data(second), "1001:A 1000:1");
     EXPECT_TRUE(m_cad.convertXDataType({OdDbObjectId(), second, gone, third}, "A", 2, 1071));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "stored_data.h"
 
+#include "drawing/seams.h"
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -109,6 +111,28 @@ TEST_F(Layers, AreOpenedForWriteToSeeWhetherTheyExist) {
     const OdSmartPtr<OdDbObject> held = table();
     EXPECT_TRUE(m_cad.ExisteLayer("P1", &m_db));
     EXPECT_TRUE(page->isWriteEnabled());
+    EXPECT_FALSE(held->isWriteEnabled());
+}
+
+TEST_F(Layers, ThatRefuseToBeWrittenDontExistForThoseWhoWrite) {
+    const OdDbObjectId page = layer("P1");
+    lm::drawing::refuseWriting(page);
+    EXPECT_FALSE(m_cad.ExisteLayer("P1", &m_db));
+    EXPECT_FALSE(m_cad.CongelaLayer("P1"));
+    EXPECT_FALSE(m_cad.ApagarLayer("P1", &m_db));
+    EXPECT_FALSE(m_cad.RenomearLayer("P1", "P2"));
+    EXPECT_EQ(m_cad.DescongelaLayer("P1", &m_db), 0) << "it is only read, and thawed already";
+    lm::drawing::refuseWriting(OdDbObjectId::kNull);
+    EXPECT_TRUE(m_cad.ExisteLayer("P1", &m_db));
+    EXPECT_FALSE(page.isErased());
+}
+
+TEST_F(Layers, LeaveTheirTableAloneWhenTheyGoOrGetANewName) {
+    layer("P1");
+    layer("P2");
+    const OdSmartPtr<OdDbObject> held = table();
+    EXPECT_TRUE(m_cad.RenomearLayer("P1", "P3"));
+    EXPECT_TRUE(m_cad.ApagarLayer("P2", &m_db));
     EXPECT_FALSE(held->isWriteEnabled());
 }
 
@@ -314,10 +338,27 @@ TEST_F(Layers, OneIsCurrent) {
     m_db.setCurrentLayerAsText(true);
     EXPECT_EQ(plain(m_cad.GetLayerCorrente(&m_db)), "PÁGINA Ω") << "told as a text";
     m_db.setCurrentLayerAsText(false);
-    EXPECT_FALSE(isWriteEnabled(idOf("PÁGINA Ω")));
+    const Layer held = open(idOf("PÁGINA Ω"));
+    m_cad.GetLayerCorrente(&m_db);
+    EXPECT_FALSE(held->isWriteEnabled());
     CHostDatabase bare(CHostDatabase::kNothing);
     EXPECT_EQ(plain(m_cad.GetLayerCorrente(&bare)), "");
     EXPECT_EQ(plain(m_cad.GetLayerCorrente(nullptr)), "");
+}
+
+TEST_F(Layers, ThatAreGoneLeaveNoNameAsTheCurrentOne) {
+    const Layer page = open(layer("P1"));
+    makeCurrent(page->objectId());
+    page->upgradeOpen();
+    page->OdDbObject::erase(); // past the refusal of layers
+    EXPECT_EQ(plain(m_cad.GetLayerCorrente(&m_db)), "");
+}
+
+TEST_F(Layers, AreThawedEvenWhereTheGivenDrawingLacksThem) {
+    CHostDatabase other;
+    frozenLayer("P1");
+    EXPECT_EQ(plain(m_cad.SetLayerCorrente("P1", &other)), "0");
+    EXPECT_FALSE(isFrozen("P1"));
 }
 
 TEST_F(Layers, AreMadeCurrentByName) {
