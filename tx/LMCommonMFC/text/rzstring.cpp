@@ -7,7 +7,9 @@
 #include "host/resbuf.h"
 #include "system/codepage.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 using lm::WideChar;
@@ -56,13 +58,16 @@ bool isAscii(std::string_view bytes) {
 
 /// Copies a text up to its first 0 unit and gives how many units that were.
 std::size_t copyCut(WideChar* to, WideView text) {
+    const std::size_t size = text.size();
     std::size_t at = 0;
-    for (; at + 4 <= text.size(); at += 4) {
-        const std::uint64_t block = lm::text::fourUnits(text.data() + at);
+    while (at < size && size >= 4) {
+        const std::size_t from = std::min(at, size - 4); // the last four overlap those before them
+        const std::uint64_t block = lm::text::fourUnits(text.data() + from);
         if (lm::text::hasZero(block)) break;
-        std::memcpy(to + at, &block, sizeof block);
+        std::memcpy(to + from, &block, sizeof block);
+        at = from + 4;
     }
-    for (; at < text.size() && text[at] != 0; ++at) to[at] = text[at];
+    for (; at < size && text[at] != 0; ++at) to[at] = text[at];
     return at;
 }
 
@@ -73,13 +78,12 @@ namespace lm::text {
 void TextStore::join(const RZString* const* parts, std::size_t count) {
     std::size_t size = 0;
     for (std::size_t i = 0; i < count; ++i) size += parts[i]->view().size();
-    WideString text(size, 0);
-    WideChar* units = text.data();
+    m_text.resize(size);
+    WideChar* units = m_text.data();
     const WideView first = parts[0]->view();
     std::size_t used = first.copy(units, first.size());
     for (std::size_t i = 1; i < count; ++i) used += copyCut(units + used, parts[i]->view());
-    if (used != size) text.resize(used);
-    m_text = std::move(text);
+    if (used != size) m_text.resize(used);
 }
 
 } // namespace lm::text
