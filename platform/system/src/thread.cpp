@@ -44,8 +44,8 @@ constexpr auto kRetryPause = std::chrono::microseconds(300);
 constexpr int kTriesWhenBlocked = 10;
 /// A thread that never takes the signal is waited for this long.
 constexpr auto kPatience = std::chrono::seconds(5);
-/// A thread that takes it and never leaves the C library is stopped all the same after this. On a machine that is busy
-/// with other things an allocating thread can be met there very many times.
+/// A thread that takes it and never leaves the C library is stopped all the same after this. On a machine
+/// that is busy with other things an allocating thread can be met there very many times.
 constexpr auto kLongPatience = std::chrono::seconds(100);
 
 /// Where a thread was interrupted.
@@ -65,8 +65,8 @@ struct Record {
     Word ended{0};
     Word reports{0}; // counts the places reported and the end
     std::atomic<bool> stopAnywhere{false};
-    // Set once the thread seems to be blocked: it is then stopped if the next signal still finds it where it was. Who
-    // is handed the allocator's lock meanwhile isn't.
+    // Set once the thread seems to be blocked: it is then stopped if the next signal still finds it where it
+    // was. Who is handed the allocator's lock meanwhile isn't.
     std::atomic<bool> stopWhenBlocked{false};
     std::atomic<std::uintptr_t> instruction{0};
     std::atomic<std::uintptr_t> stack{0};
@@ -205,9 +205,10 @@ bool isMemoryCall(long number) {
     return std::find(std::begin(kCalls), std::end(kCalls), number) != std::end(kCalls);
 }
 
-/// Whether the thread stands in a system call of the C library that the signal broke off. Such a call is either shown
-/// at the call itself, about to be made again, or right behind it with the error "interrupted". A call that came to its
-/// end looks else: it may have changed memory with the allocator's lock held, or have been handed a lock.
+/// Whether the thread stands in a system call of the C library that the signal broke off. Such a call is
+/// either shown at the call itself, about to be made again, or right behind it with the error "interrupted".
+/// A call that came to its end looks else: it may have changed memory with the allocator's lock held, or have
+/// been handed a lock.
 bool isInBrokenOffCall(std::uintptr_t instruction, const void* context) {
     const Range* const range = libraryCode().rangeOf(instruction);
     if (range == nullptr || !range->blocks) return false;
