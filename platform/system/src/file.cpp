@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <new>
 
 #include <fcntl.h>
@@ -40,6 +41,37 @@ bool sameFile(const struct stat& a, const struct stat& b) {
 }
 
 } // namespace
+
+FileStamp stampOf(const struct ::stat& status) {
+    return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size), status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+}
+
+std::optional<FileStamp> stampOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return stampOf(status);
+}
+
+std::string resolvedPath(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code failed;
+    fs::path at(path);
+    constexpr int kMostLinks = 40; // as many as the system itself follows
+    for (int links = 0; links < kMostLinks && fs::is_symlink(at, failed); ++links) {
+        const fs::path target = fs::read_symlink(at, failed);
+        if (failed) return path;
+        at = target.is_absolute() ? target : at.parent_path() / target;
+    }
+    const fs::path folder = fs::canonical(at.has_parent_path() ? at.parent_path() : fs::path("."), failed);
+    return failed ? path : (folder / at.filename()).native();
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    const std::optional<FileStamp> first = stampOf(a), second = stampOf(b);
+    if (first && second) return first->device == second->device && first->inode == second->inode;
+    return !first && !second && resolvedPath(a) == resolvedPath(b);
+}
 
 FileBytes::FileBytes(std::size_t capacity) : m_capacity(capacity) {
     void* const memory = ::mmap(nullptr, capacity + kPadding, PROT_READ | PROT_WRITE,
@@ -100,7 +132,7 @@ FileOutcome readWhole(const std::string& path, FileBytes& bytes,
     if (::fstat(file, &after) != 0) return {FileStatus::kUnreadable, std::strerror(errno)};
     const bool whole = !sized || bytes.size() == static_cast<std::size_t>(before.st_size);
     if (!whole || !sameFile(before, after)) return {FileStatus::kChanged, {}};
-    return {};
+    return {FileStatus::kRead, {}, stampOf(after)};
 }
 
 } // namespace lm::system

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "system/savefile.h"
 
+#include "system/path.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -85,14 +87,24 @@ std::string folderOf(const std::string& path) {
 
 } // namespace
 
+namespace {
+
+std::string reasonOf(SaveStep step, int error) {
+    // Nothing else that is looked at gives this number.
+    if (step == SaveStep::kInspect && error == EINVAL) return "it is no ordinary file";
+    return std::string(SaveError::operation(step)) + ": " + std::strerror(error);
+}
+
+} // namespace
+
 void hookSaves(SaveHook hook, void* context) {
     g_hook = hook;
     g_context = context;
 }
 
 SaveError::SaveError(const std::string& path, SaveStep step, int error)
-    : std::runtime_error(path + ": can't be saved, " + operation(step) + ": " + std::strerror(error)),
-      m_path(path), m_step(step), m_error(error) {}
+    : std::runtime_error(shownPath(path) + ": can't be saved, " + reasonOf(step, error)), m_path(path),
+      m_step(step), m_error(error) {}
 
 SaveError::~SaveError() = default;
 
@@ -355,6 +367,8 @@ void SaveFile::commit() {
     if (::renameat(m_folder, m_temporary.c_str(), m_folder, m_name.c_str()) != 0)
         fail(SaveStep::kReplace, errno);
     m_temporary.clear();
+    struct stat made {};
+    if (::fstat(m_file, &made) == 0) m_stamp = stampOf(made);
     flush(m_folder, SaveStep::kFlushFolder);
     m_state = State::kCommitted;
     m_buffer.reset();

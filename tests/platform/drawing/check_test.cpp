@@ -170,6 +170,13 @@ const Row kRows[] = {
      "CLAYER is \"GONE\"", kByReading},
     {223, "the current text style", [](dxf::Parts& p) { p.header = "9 $TEXTSTYLE|7 GONE"; }, "0", "",
      "TEXTSTYLE is \"GONE\"", kNever},
+    {224, "a point without its second number",
+     [](dxf::Parts& p) { p.entities = "0 LINE|5 100|330 1F|8 0|1001 ACAD|1010 1.0|1040 2.0"; }, "100", "LINE",
+     "a point without its group 1020", kNever},
+    {224, "a point without its third number",
+     [](dxf::Parts& p) { p.entities = "0 LINE|5 100|330 1F|8 0|1001 ACAD|1011 1.0|1021 2.0"; }, "100", "LINE",
+     "a point without its group 1031", kNever},
+    {225, "an empty version", [](dxf::Parts& p) { p.version = " "; }, "0", "", "ACADVER", kByReading},
     // What the reader finds is part of it, also what shows only when objects are read.
     {105, "two layers of one name",
      [](dxf::Parts& p) { p.layers = dxf::Parts::layer("70", "L") + "|" + dxf::Parts::layer("71", "L"); },
@@ -483,6 +490,42 @@ TEST(Check, KeepsAHundredOfANumberAndCountsTheRest) {
         EXPECT_LE(result.findings()[i - 1].number, result.findings()[i].number);
 }
 
+TEST(Check, FindsExtendedDataThatOtherProgramsRefuse) {
+    const struct {
+        const char* groups;
+        const char* text; // null for what is good
+    } rows[] = {
+        {"1004 0AfF", nullptr},
+        {"1004 ", nullptr},
+        {"1004 0A0", "group 1004, \"0A0\""},
+        {"1004 0G", "group 1004, \"0G\""},
+        {"1070 -32768", nullptr},
+        {"1070 65535", nullptr},
+        {"1070 65536", "group 1070, \"65536\""},
+        {"1070 -32769", "group 1070, \"-32769\""},
+        {"1070 many", "group 1070, \"many\""},
+        {"1071 99999", nullptr},
+        {"1071 4294967296", "group 1071, \"4294967296\""},
+        {"1040 nan", "group 1040, \"nan\""},
+        {"1040 1e999", "group 1040, \"1e999\""},
+        {"1041 1,5", nullptr},
+        {"1099 1", "group 1099"},
+        {"1006 x", "group 1006"},
+        {"1010 1|1020 2|1030 3|1013 1|1023 2|1033 3|1040 1|1041 1|1042 1|1002 {|1002 }|1003 0", nullptr},
+        {"1010 1|1020 2|1031 3", "a point without its group 1030"},
+        {"1010 1|1011 2|1021 2|1031 2", "a point without its group 1020"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.groups);
+        dxf::Parts parts;
+        parts.entities = "0 LINE|5 100|330 1F|8 0|1001 ACAD|" + std::string(row.groups);
+        const CheckResult result = checked(parts);
+        EXPECT_EQ(result.total(), row.text != nullptr ? 1u : 0u) << findingsOf(result);
+        if (row.text == nullptr || result.total() == 0) continue;
+        EXPECT_EQ(result.findings().front().number, 224);
+        EXPECT_EQ(result.findings().front().text, row.text);
+    }
+}
+
 TEST(Check, KeepsItsNumbers) {
     const std::vector<std::pair<Flaw, int>> numbers = {
         {Flaw::kUnknownOwner, 201},   {Flaw::kOtherOwner, 202},       {Flaw::kUnknownEntry, 203},
@@ -492,7 +535,8 @@ TEST(Check, KeepsItsNumbers) {
         {Flaw::kUnknownStyle, 213},   {Flaw::kBlockCircle, 214},      {Flaw::kStrayPart, 215},
         {Flaw::kMissingRecord, 216},  {Flaw::kDictionaryCircle, 217}, {Flaw::kLowSeed, 218},
         {Flaw::kBadText, 219},        {Flaw::kNoRecord, 220},         {Flaw::kNoBlock, 221},
-        {Flaw::kUnknownPicture, 222}, {Flaw::kUnknownSetting, 223}};
+        {Flaw::kUnknownPicture, 222}, {Flaw::kUnknownSetting, 223},   {Flaw::kBadXData, 224},
+        {Flaw::kNoVersion, 225}};
     for (const auto& [flaw, number] : numbers) {
         EXPECT_EQ(static_cast<int>(flaw), number);
         EXPECT_STRNE(CheckResult::describe(number), "a defect");

@@ -412,8 +412,8 @@ TEST(MoveUnreadTest, MovesVerticesOfPolylines) {
 TEST(MoveUnreadTest, RefusesWhatItDoesNotKnow) {
     dxf::Parts parts;
     const std::string lead = "|330 1F|100 AcDbEntity|8 0|";
-    parts.entities = "0 MESH|5 100" + lead + "100 AcDbMesh|10 1.0|20 1.0|30 1.0|0 SHAPE|5 101" + lead +
-                     "100 AcDbShape|10 1.0|20 1.0|30 1.0|40 1.0|2 X";
+    parts.entities = "0 REGION|5 100" + lead + "100 AcDbModelerGeometry|10 1.0|20 1.0|30 1.0|0 SHAPE|5 101" +
+                     lead + "100 AcDbShape|10 1.0|20 1.0|30 1.0|40 1.0|2 X";
     const auto db = readGroups(parts.groups());
     EXPECT_EQ(byHandle<OdDbEntity>(*db, "100", OdDb::kForWrite)->transformBy(OdGeMatrix3d()), eNotApplicable);
     const auto shape = byHandle<OdDbEntity>(*db, "101", OdDb::kForWrite);
@@ -450,8 +450,8 @@ TEST(MoveUnreadTest, ADimensionComesOutAsItsPicture) {
 
 TEST(MoveUnreadTest, AnUnknownKindComesOutWhereItStands) {
     const std::string entry =
-        pieceOf(entity("MESH", "100 AcDbMesh|10 1.0|20 2.0|30 3.0"), {1, 1, 1}, 0, {50, 0, 0});
-    EXPECT_TRUE(contains(entry, "0 MESH|")) << entry;
+        pieceOf(entity("REGION", "100 AcDbModelerGeometry|10 1.0|20 2.0|30 3.0"), {1, 1, 1}, 0, {50, 0, 0});
+    EXPECT_TRUE(contains(entry, "0 REGION|")) << entry;
     EXPECT_EQ(numbers(entry, 10), "1 ");
 }
 

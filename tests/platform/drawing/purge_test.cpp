@@ -193,17 +193,50 @@ TEST_F(PurgeTest, KeepsWhatUnreadEntitiesAndStylesName) {
     EXPECT_EQ(blocks(), (Strings{"*D1", "OTHER", "LINKED", "REACTED"}));
 }
 
-TEST_F(PurgeTest, SoftHandlesAndWhatBelongsToARecordDoNotKeepIt) {
+TEST_F(PurgeTest, SoftHandlesKeepARecordAndWhatBelongsToItDoesNot) {
     dxf::Parts parts;
-    parts.layers = dxf::Parts::layer("40", "PAG1");
+    parts.layers = dxf::Parts::joined({dxf::Parts::layer("40", "PAG1"), dxf::Parts::layer("41", "FREE")});
     parts.blockRecords =
         "0 BLOCK_RECORD|5 30|102 {ACAD_XDICTIONARY|360 50|102 }|330 1|100 AcDbSymbolTableRecord|2 B|70 0";
     parts.blocks = dxf::Parts::block("B", "31", "30");
     parts.entities = entity("VIEWPORT", "100", "100 AcDbViewport|331 40");
     parts.objects = "0 DICTIONARY|5 50|330 30|100 AcDbDictionary|3 X|360 51|0 THING|5 51|330 50|340 30";
     db = readGroups(parts.groups());
-    EXPECT_EQ(layers(), Strings{"PAG1"}) << "a viewport that has a layer frozen doesn't need it";
+    EXPECT_EQ(layers(), Strings{"FREE"}) << "a viewport that has a layer frozen names it";
     EXPECT_EQ(blocks(), Strings{"B"});
+}
+
+TEST_F(PurgeTest, KeepsWhatExtendedDataNames) {
+    dxf::Parts parts;
+    parts.layers = dxf::Parts::joined({dxf::Parts::layer("40", "NAMED"), dxf::Parts::layer("41", "HANDLED"),
+                                       dxf::Parts::layer("42", "FREE")});
+    parts.entities = entity("LINE", "100", "100 AcDbLine|10 0|20 0|11 1|21 0") +
+                     "|1001 MINE|1003 named|1005 41|1000 FREE|" + entity("MESH", "101", "100 AcDbSubDMesh") +
+                     "|1001 THEIRS|1000 x";
+    db = readGroups(parts.groups());
+    EXPECT_EQ(layers(), Strings{"FREE"});
+    const OdDbObjectId table = db->getRegAppTableId();
+    for (const char* name : {"MINE", "THEIRS", "NOBODYS"}) {
+        const auto record = make<OdDbRegAppTableRecord>();
+        record->setName(od(name));
+        if (!open<OdDbSymbolTable>(table)->has(od(name)))
+            open<OdDbSymbolTable>(table, OdDb::kForWrite)->add(record);
+    }
+    EXPECT_EQ(purged(*db, recordsOf(table)), Strings{"NOBODYS"});
+    byHandle<OdDbObject>(*db, "100", OdDb::kForWrite)->erase();
+    EXPECT_EQ(layers(), (Strings{"NAMED", "HANDLED", "FREE"}));
+    EXPECT_EQ(purged(*db, recordsOf(table)), (Strings{"MINE", "NOBODYS"}));
+}
+
+TEST_F(PurgeTest, KeepsTheLayersThatBlocksBeginAndEndOn) {
+    dxf::Parts parts;
+    parts.layers = dxf::Parts::joined({dxf::Parts::layer("40", "HEAD"), dxf::Parts::layer("41", "FREE")});
+    parts.blockRecords = dxf::Parts::record("BLOCK_RECORD", "30", "1", "B");
+    std::string block = dxf::Parts::block("B", "31", "30");
+    block.replace(block.find("|8 0|"), 5, "|8 head|");
+    parts.blocks = block;
+    db = readGroups(parts.groups());
+    EXPECT_EQ(layers(), Strings{"FREE"});
 }
 
 TEST_F(PurgeTest, KeepsWhatTheHeaderNames) {

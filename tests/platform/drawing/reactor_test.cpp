@@ -203,6 +203,58 @@ TEST_F(ReactorTest, TellsOfUndoAndRedo) {
     EXPECT_EQ(recorder.take(), Calls{"erased LINE"});
 }
 
+TEST_F(ReactorTest, UndoTellsWhatBecameOfAnObjectOnTheWhole) {
+    db->startUndoRecord();
+    const OdDbObjectId stays = line();
+    db->startUndoRecord();
+    const OdDbObjectId passing = line();
+    open<OdDbLine>(passing, OdDb::kForWrite)->erase();
+    {
+        const auto held = open<OdDbLine>(stays, OdDb::kForWrite);
+        held->erase(true);
+        held->erase(false);
+        held->setEndPoint({1, 0, 0});
+        held->setEndPoint({2, 0, 0});
+    }
+    recorder.take();
+    db->undo();
+    EXPECT_EQ(recorder.take(), (Calls{"undone LINE", "unappended LINE"}))
+        << "marks that cancel each other out are no event, nor is the erase of what came in the step";
+    db->redo();
+    EXPECT_EQ(recorder.take(), (Calls{"reappended LINE", "erased LINE", "undone LINE"}));
+}
+
+TEST_F(ReactorTest, ACallbackThatErasesTheObjectIsFasterThanWhoErasesIt) {
+    recorder.also = [&](const std::string& word, const OdDbObject* object) {
+        if (word == "appended") const_cast<OdDbObject*>(object)->erase();
+    };
+    const auto line = make<OdDbLine>();
+    const OdDbObjectId id = append(*db, line);
+    line->erase();
+    EXPECT_TRUE(id.isErased());
+    EXPECT_EQ(recorder.take(), (Calls{"appended LINE", "erased LINE"}));
+}
+
+TEST_F(ReactorTest, DeletingExtendedDataThatIsNotThereChangesNothing) {
+    const OdDbObjectId id = line();
+    db->startUndoRecord();
+    const auto lone = OdResBuf::newRb(1001);
+    lone->setString(od("NOBODY"));
+    open<OdDbLine>(id, OdDb::kForWrite)->setXData(lone);
+    EXPECT_EQ(recorder.take(), Calls{});
+    EXPECT_THROW(open<OdDbLine>(id)->setXData(lone), OdError);
+    const auto data = OdResBuf::newRb(1001);
+    data->setString(od("MINE"));
+    const auto text = OdResBuf::newRb(1000);
+    text->setString(od("x"));
+    data->setNext(text);
+    open<OdDbLine>(id, OdDb::kForWrite)->setXData(data);
+    EXPECT_EQ(recorder.take(), (Calls{"opened LINE", "modified LINE"}));
+    lone->setString(od("MINE"));
+    open<OdDbLine>(id, OdDb::kForWrite)->setXData(lone);
+    EXPECT_EQ(recorder.take(), (Calls{"opened LINE", "modified LINE"}));
+}
+
 TEST_F(ReactorTest, FindsTheStateFinalWhenUndoTells) {
     db->startUndoRecord();
     const OdDbObjectId a = line();

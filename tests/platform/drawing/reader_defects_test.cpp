@@ -134,3 +134,21 @@ TEST(ReportTest, KeepsItsNumbers) {
         EXPECT_STRNE(Report::describe(defect), "a defect");
     }
 }
+
+TEST(DefectTest, TellsWhatCountsInPlaceOfANumber) {
+    const struct {
+        const char* found;
+        const char* taken;
+    } rows[] = {{"1d3", "1"}, {"1.5 2.5", "1.5"}, {"wide", "0"},
+                {"nan", "0"}, {"1e999", "0"},     {"-2.5x", "-2.5"}};
+    for (const auto& row : rows) {
+        dxf::Parts parts;
+        parts.entities = "0 LINE|5 100|330 1F|8 0|10 " + std::string(row.found);
+        const auto db = readGroups(parts.groups());
+        const auto line = byHandle<OdDbLine>(*db.get(), "100");
+        EXPECT_EQ(line->startPoint().x, std::strtod(row.taken, nullptr)) << row.found;
+        ASSERT_EQ(db->report().total(), 1u) << row.found;
+        EXPECT_EQ(db->report().repairs().front().detail,
+                  "group 10, found \"" + std::string(row.found) + "\", taken as " + row.taken);
+    }
+}

@@ -165,6 +165,22 @@ TEST(ReaderStructure, KnowsTheLayoutBlocksOfR12) {
     EXPECT_EQ(OdSmartPtr<OdDbBlockTableRecord>(symbol)->getBlockReferenceIds().size(), 1u);
 }
 
+TEST(ReaderStructure, TakesRecordsOutOfATableOfAnotherKind) {
+    dxf::Parts parts;
+    parts.tables = dxf::Parts::table("DIMSTYLE", "40",
+                                     "0 BLOCK_RECORD|5 41|330 40|100 AcDbSymbolTableRecord|"
+                                     "100 AcDbBlockTableRecord|2 STRANGE|70 0|"
+                                     "0 DIMSTYLE|105 42|330 40|100 AcDbSymbolTableRecord|"
+                                     "100 AcDbDimStyleTableRecord|2 MINE|70 0");
+    parts.blocks = dxf::Parts::block("STRANGE", "43", "41");
+    inBothForms(parts.groups(), [](OdDbDatabase& db) {
+        EXPECT_EQ(db.report().count(Defect::kStrayEntry), 1u) << reportOf(db);
+        const Names blocks = namesOf(db.getBlockTableId());
+        EXPECT_EQ(std::count(blocks.begin(), blocks.end(), "STRANGE"), 1)
+            << "the block's record is one of its table";
+    });
+}
+
 TEST(ReaderStructure, TakesTablesInAnyOrderAndTwice) {
     dxf::Parts parts;
     parts.tables = dxf::Parts::table("LAYER", "40", dxf::Parts::layer("41", "SECOND", "62 -3"));

@@ -266,8 +266,6 @@ TEST(WriterText, WritesTheShortestNumberThatReadsBack) {
     EXPECT_EQ(realText(123456), "123456.0");
     EXPECT_EQ(realText(1e300), "1.0e+300");
     EXPECT_EQ(realText(1.5e-9), "1.5e-09");
-    EXPECT_EQ(realText(std::numeric_limits<double>::infinity()), "0.0");
-    EXPECT_EQ(realText(std::nan("")), "0.0");
     std::mt19937_64 random(3);
     for (int i = 0; i < 20000; ++i) {
         const std::uint64_t bits = random();

@@ -60,4 +60,24 @@ TEST(NativePath, OpensAFileInAFolderWithASpaceAndAnAccent) {
     std::filesystem::remove_all(folder);
 }
 
+TEST(PathText, FindsFilesOfAnyName) {
+    for (const char* native : {"", "a.dxf", "b\xE9.dxf", "\xFF", "p\xC3\xA1gina\xC3", "\xED\xB3\xA9",
+                               "\xF0\x9F\x98\x80\x80", "a\x80\x80"})
+        EXPECT_EQ(nativePath(lm::system::pathText(native)), native);
+    const WideString text = lm::system::pathText("b\xE9");
+    ASSERT_EQ(text.size(), 2u);
+    EXPECT_EQ(text[1], 0xDCE9);
+    EXPECT_EQ(lm::system::pathText("p\xC3\xA1"), lm::system::fromUtf8("p\xC3\xA1"));
+    // The second half of a character outside the first plane is no byte.
+    EXPECT_EQ(nativePath(lm::system::fromUtf8("\xF0\x9F\xB2\xA9")), "\xF0\x9F\xB2\xA9");
+}
+
+TEST(ShownPath, WritesBytesThatAreNoTextAsNumbers) {
+    using lm::system::shownPath;
+    EXPECT_EQ(shownPath("p\xC3\xA1gina.dxf"), "p\xC3\xA1gina.dxf");
+    EXPECT_EQ(shownPath("b\xE9.dxf"), "b\\xE9.dxf");
+    EXPECT_EQ(shownPath("\xC3"), "\\xC3");
+    EXPECT_EQ(shownPath(""), "");
+}
+
 } // namespace

@@ -1,44 +1,29 @@
 // SPDX-License-Identifier: MIT
-// Saves that go well, that fail at each step and whose process ends at each step. The tests may run as the
-// administrator, whom the system refuses nothing: what must be refused is tried in a child process of another
-// user then.
+// Saves that go well, that fail at each step and whose process ends at each step.
 #include "system/savefile.h"
 
-#include <gtest/gtest.h>
+#include "support/save_folder.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
 #include <vector>
 
 #include <fcntl.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace save_test;
 using lm::system::SaveError;
 using lm::system::SaveFile;
-using lm::system::SaveStep;
-
-constexpr std::size_t kPiece = std::size_t{1} << 20;
-constexpr int kKill = -1000000000; // an answer of the test's hook: end the process here
-constexpr int kKilled = 77;
-constexpr uid_t kNobody = 65534;
 
 std::string pattern(std::size_t size, unsigned seed) {
     std::string text(size, '\0');
@@ -46,62 +31,12 @@ std::string pattern(std::size_t size, unsigned seed) {
     return text;
 }
 
-/// A fault at the nth time that a step is reached; the steps that were reached are counted.
-struct Fault {
-    SaveStep step = SaveStep::kInspect;
-    int at = 0; ///< counted from 1; 0 for never
-    int answer = 0;
-    std::vector<SaveStep> seen;
-
-    static int hook(SaveStep step, void* context) {
-        auto& self = *static_cast<Fault*>(context);
-        self.seen.push_back(step);
-        if (step != self.step || std::count(self.seen.begin(), self.seen.end(), step) != self.at) return 0;
-        if (self.answer == kKill) ::_exit(kKilled);
-        return self.answer;
-    }
-};
-
-/// Sets the hook for as long as it lives.
-struct Hooked {
-    explicit Hooked(Fault& fault) { lm::system::hookSaves(&Fault::hook, &fault); }
-    ~Hooked() { lm::system::hookSaves(nullptr); }
-};
-
-class SaveFileTest : public testing::Test {
+class SaveFileTest : public SaveFolderTest {
 protected:
-    void SetUp() override {
-        std::string text = (fs::temp_directory_path() / "lm p\xC3\xA1gina XXXXXX").string();
-        ASSERT_NE(::mkdtemp(text.data()), nullptr);
-        m_folder = text;
-    }
-    void TearDown() override {
-        lm::system::hookSaves(nullptr);
-        fs::permissions(m_folder, fs::perms::owner_all);
-        fs::remove_all(m_folder);
-    }
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
-    static void put(const std::string& path, const std::string& content) {
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    static std::string content(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
     static void save(const std::string& path, const std::string& content) {
         SaveFile out(path);
         out.append(content);
         out.commit();
-    }
-    static mode_t mode(const std::string& path) {
-        struct stat s {};
-        return ::stat(path.c_str(), &s) == 0 ? s.st_mode & 07777 : 0;
-    }
-    std::vector<std::string> names() const {
-        std::vector<std::string> result;
-        for (const auto& entry : fs::directory_iterator(m_folder)) result.push_back(entry.path().filename());
-        std::sort(result.begin(), result.end());
-        return result;
     }
     /// What a save answers: 0, or the error and its step.
     static std::pair<int, SaveStep> tried(const std::string& path, const std::string& content) {
@@ -113,21 +48,6 @@ protected:
         }
         return {0, SaveStep::kInspect};
     }
-    /// Runs in a child process and gives its exit code, 1000 and the signal when it was killed.
-    static int inChild(const std::function<int()>& work) {
-        const pid_t child = ::fork();
-        if (child == 0) ::_exit(work());
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-    }
-    /// Gives up the administrator's rights, in a child process.
-    static void becomeNobody() {
-        if (::geteuid() != 0) return;
-        if (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) ::_exit(99);
-    }
-
-    fs::path m_folder;
 };
 
 // --- what is written
@@ -531,9 +451,7 @@ TEST_F(SaveFileTest, KeepsTheOldFileOnADiskThatIsFull) {
     // SaysWhatFailedWhereAndWhy.
     constexpr int kNoDisk = 50;
     const int answer = inChild([this] {
-        if (::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return kNoDisk;
-        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
-        if (::mount("none", m_folder.c_str(), "tmpfs", 0, "size=4m") != 0) return kNoDisk;
+        if (!mountDisk(m_folder, "size=4m")) return kNoDisk;
         const std::string old = pattern(kPiece, 1);
         put(path("a.dxf"), old);
         const auto [error, step] = tried(path("a.dxf"), pattern(6 * kPiece, 3));
@@ -576,8 +494,7 @@ TEST_P(SaveFileKilled, LeavesTheOldContentOrTheNewAtEveryStep) {
     for (std::size_t i = 0; i < plan.seen.size(); ++i) {
         reset();
         const SaveStep step = plan.seen[i];
-        const auto turn = std::count(plan.seen.begin(), plan.seen.begin() + static_cast<long>(i) + 1, step);
-        Fault fault{step, static_cast<int>(turn), kKill, {}};
+        Fault fault = Fault::atIndex(plan.seen, i, kKill);
         const int code = inChild([&] {
             const Hooked hooked(fault);
             return saveInPieces();

@@ -21,12 +21,19 @@ public:
     void setScaleFactors(const OdGeScale3d& scale);
     OdGeVector3d normal() const { return m_normal; }
     void setNormal(const OdGeVector3d& normal);
+    /// An array shows the block in columns and rows, counted from 1, at distances along the reference's own
+    /// axes; negative ones run the other way. A file makes a reference one, else there is one of each.
+    int columns() const { return m_columns > 1 ? m_columns : 1; }
+    int rows() const { return m_rows > 1 ? m_rows : 1; }
+    double columnSpacing() const { return m_columnSpacing; }
+    double rowSpacing() const { return m_rowSpacing; }
     /// The block's record; null for a reference to nothing.
     OdDbObjectId blockTableRecord() const { return m_block; }
     /// Null is accepted. What is no block raises OdError_NotThatKindOfClass; on a resident reference a block
     /// of another drawing raises OdError (eInvalidInput). Nothing has changed then.
     void setBlockTableRecord(OdDbObjectId id);
-    /// Place, turn, scale and shift by minus the block's origin, in this order from the left.
+    /// Place, turn, scale and shift by minus the block's origin, in this order from the left; for an array
+    /// that of its first copy.
     OdGeMatrix3d blockTransform() const;
 
     /// A walk over the attributes, empty when there are none; null only where a test asks for it.
@@ -41,6 +48,8 @@ public:
     /// Gives copies of the block's live entities, moved by blockTransform: one level, so that inner
     /// references come out as references with their attributes, and definitions as definitions. An empty
     /// block gives eOk and no pieces; a reference without a block, or of an erased one, gives eNotApplicable.
+    /// An array gives the pieces of all its copies, a row after the other; one of more than a million pieces
+    /// gives eNotApplicable.
     ///
     /// Where the scale factors differ, or the normal leans, a piece that can't take the transform becomes
     /// what shows the same: circles and arcs become ellipses, a polyline with arcs falls into lines and
@@ -49,8 +58,9 @@ public:
     /// the leaning. A dimension that can't be moved becomes a reference to the block of its picture. Entities
     /// of further kinds that aren't read come out where they stand in the block; nothing is left out.
     OdResult explode(OdArray<OdSmartPtr<OdDbEntity>>& pieces) const override;
-    /// The box of what the block's live entities show under blockTransform, and of the attributes. Blocks
-    /// inside themselves count once. eNotApplicable when there is nothing of a known extent.
+    /// The box of what the block's live entities show under blockTransform, in all copies of an array, and of
+    /// the attributes. Definitions of attributes show nothing there but constant ones that are visible.
+    /// Blocks inside themselves count once. eNotApplicable when there is nothing of a known extent.
     OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
 protected:
@@ -67,6 +77,10 @@ private:
     OdGeScale3d m_scale;
     double m_rotation = 0;
     OdDbObjectId m_block;
+    double m_columnSpacing = 0;
+    double m_rowSpacing = 0;
+    short m_columns = 1;
+    short m_rows = 1;
     bool m_withoutIterator = false;
     std::unique_ptr<std::vector<OdSmartPtr<OdDbAttribute>>> m_outside; // attributes while outside a database
 };

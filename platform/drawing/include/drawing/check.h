@@ -38,7 +38,9 @@ enum class Flaw : int {
     kNoRecord = 220,       ///< a block without a record in the table
     kNoBlock = 221,        ///< a record in the block table without a block
     kUnknownPicture = 222, ///< a dimension or a table of text whose block isn't there
-    kUnknownSetting = 223  ///< a header variable that names a record that isn't there
+    kUnknownSetting = 223, ///< a header variable that names a record that isn't there
+    kBadXData = 224,       ///< a group of extended data that can't stand there as it is
+    kNoVersion = 225       ///< a header that doesn't tell the version of the file
 };
 
 /// One defect.

@@ -21,6 +21,7 @@ public:
 private:
     friend struct lm::drawing::ClassSpecs;
     OdGePoint3d m_position;
+    double m_thickness = 0;
 };
 
 /// A straight line between two points of the world.
@@ -42,6 +43,7 @@ public:
 private:
     friend struct lm::drawing::ClassSpecs;
     OdGePoint3d m_start, m_end;
+    double m_thickness = 0;
 };
 
 /// A circle; the centre is in the object coordinate system of the normal.
@@ -66,7 +68,7 @@ private:
     friend struct lm::drawing::ClassSpecs;
     OdGePoint3d m_center;
     OdGeVector3d m_normal{0, 0, 1};
-    double m_radius = 0;
+    double m_radius = 0, m_thickness = 0;
 };
 
 /// An arc, counter-clockwise from the start angle to the end angle, in radians.
@@ -95,7 +97,7 @@ private:
     friend struct lm::drawing::ClassSpecs;
     OdGePoint3d m_center;
     OdGeVector3d m_normal{0, 0, 1};
-    double m_radius = 0, m_startAngle = 0, m_endAngle = 0;
+    double m_radius = 0, m_startAngle = 0, m_endAngle = 0, m_thickness = 0;
 };
 
 /// An ellipse: centre, the vector to the end of its major axis, the ratio of the minor one, parameters in
@@ -141,6 +143,12 @@ public:
     /// A vertex with the elevation as z. An index outside raises OdError_InvalidIndex.
     OdGePoint3d getPointAt(unsigned int index) const;
     double getBulgeAt(unsigned int index) const;
+    /// Widths of the part that begins at a vertex, as the file has them for the vertex; 0 where it has none.
+    /// An index outside raises OdError_InvalidIndex.
+    void getWidthsAt(unsigned int index, double& start, double& end) const;
+    /// The width of all parts, which counts where the vertices have none.
+    double constantWidth() const { return m_width; }
+    double thickness() const { return m_thickness; }
     /// Puts a vertex before `index`; at the count it goes to the end. Beyond it raises OdError_InvalidIndex.
     void addVertexAt(unsigned int index, const OdGePoint2d& point, double bulge = 0);
     /// Moves a vertex. An index outside raises OdError_InvalidIndex.
@@ -162,9 +170,13 @@ private:
     struct Vertex {
         OdGePoint2d point;
         double bulge = 0;
+        double startWidth = 0;
+        double endWidth = 0;
     };
     std::vector<Vertex> m_vertices;
     OdGeVector3d m_normal{0, 0, 1};
     double m_elevation = 0;
+    double m_width = 0;
+    double m_thickness = 0;
     short m_polylineFlags = 0;
 };

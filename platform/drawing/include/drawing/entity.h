@@ -111,10 +111,19 @@ public:
     OdDbUnreadEntity(const OdDbUnreadEntity& other);
     ~OdDbUnreadEntity() override;
 
-    /// Moves the points that the entity came with. Works for SPLINE, 3DFACE, RAY, XLINE, LEADER, SOLID,
-    /// TRACE, SHAPE, POLYLINE with its vertices, HATCH and VIEWPORT; eNotApplicable for other kinds, and for
-    /// those in a plane when the transform stretches.
+    /// Moves the points that the entity came with, and the entities of its picture where it is a dimension in
+    /// a database; a picture that another one shows as well is copied first. Works for POLYLINE with its
+    /// vertices, SOLID, TRACE, 3DFACE, HATCH, SPLINE, HELIX, LEADER, MULTILEADER, MLINE, TOLERANCE, SHAPE,
+    /// RAY, XLINE, MESH, LIGHT, IMAGE, WIPEOUT, underlays, VIEWPORT, ACAD_TABLE and dimensions.
+    /// eNotApplicable for other kinds, such as bodies of the modeller, whose geometry is opaque; for kinds in
+    /// a plane when the transform stretches; for leaders with text, tables and viewports when it turns them
+    /// out of their plane or over, for tables when it scales, and for dimensions outside a database, whose
+    /// picture can't follow.
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
+    /// The box of the points that the entity came with: arcs by their shape, splines by the points that
+    /// control them. That of the picture for dimensions and tables. eNotApplicable for kinds that tell no
+    /// points, bodies of the modeller among them, and for RAY and XLINE, which have no end.
+    OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
 protected:
     void subBecomeResident() override;

@@ -22,7 +22,7 @@ enum class Defect : int {
     kMissingEnd = 108,    ///< a section, table, block or file without its end
     kUnknownBlock = 109,  ///< a reference to a block that isn't there
     kUnlistedLayer = 110, ///< an entity on a layer that the table lacks; the layer was made
-    kBadNumber = 111,     ///< a number that can't be read; taken as 0
+    kBadNumber = 111,     ///< a number that can't be read; its readable beginning counts, else 0
     kMissingTable = 112,  ///< a table that the drawing needs and lacks; made
     kBadText = 113,       ///< bytes that the code page doesn't know; taken unit for unit
     kBrokenGroup =

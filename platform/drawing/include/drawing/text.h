@@ -21,7 +21,7 @@ public:
 
     /// The text. The reference holds until the text changes; copying it costs one count.
     const OdString& textString() const { return m_text; }
-    void setTextString(const OdString& text);
+    virtual void setTextString(const OdString& text);
     OdGePoint3d position() const { return m_position; }
     void setPosition(const OdGePoint3d& point);
     /// The second point, which counts unless isDefaultAlignment.
@@ -57,7 +57,7 @@ public:
     /// on every machine.
     void getBoundingPoints(OdArray<OdGePoint3d>& corners) const;
     OdResult transformBy(const OdGeMatrix3d& matrix) override;
-    /// The box of the bounding points.
+    /// The box of the bounding points, or that of the multi-line form where there is one.
     OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
     LM_DB_STATE(OdDbText)
@@ -95,6 +95,10 @@ public:
     bool isConstant() const { return (m_attributeFlags & 2) != 0; }
     int fieldLength() const { return m_fieldLength; }
     void setFieldLength(int length);
+    /// Sets the text, and with it the contents of the multi-line form: lines that end with a line feed become
+    /// its lines, and a backslash or a brace shows as itself. Setting the text that is there already leaves
+    /// the contents with their formatting.
+    void setTextString(const OdString& text) override;
     bool isMTextAttribute() const { return m_mtext.get() != nullptr; }
     /// The multi-line form, null when the attribute has none.
     OdSmartPtr<OdDbMText> getMTextAttribute() const;
@@ -106,6 +110,8 @@ public:
     /// text can show it. A null definition, and on an attribute in a database a style of another drawing,
     /// raises OdError; nothing has changed then.
     void setAttributeFromBlock(const OdDbAttributeDefinition* definition, const OdGeMatrix3d& matrix);
+    /// Moves the multi-line form as well.
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
 
     LM_DB_STATE(OdDbAttribute)
     OdDbAttribute& operator=(const OdDbAttribute& other);
@@ -137,9 +143,13 @@ public:
     void setConstant(bool constant);
     int fieldLength() const { return m_fieldLength; }
     void setFieldLength(int length);
+    /// As for attributes.
+    void setTextString(const OdString& text) override;
     bool isMTextAttributeDefinition() const { return m_mtext.get() != nullptr; }
     OdSmartPtr<OdDbMText> getMTextAttributeDefinition() const;
     void setMTextAttributeDefinition(OdSmartPtr<OdDbMText> mtext);
+    /// As for attributes.
+    OdResult transformBy(const OdGeMatrix3d& matrix) override;
 
     LM_DB_STATE(OdDbAttributeDefinition)
     OdDbAttributeDefinition& operator=(const OdDbAttributeDefinition& other);
@@ -201,6 +211,10 @@ private:
     double m_height = 0.2;
     double m_width = 0;
     double m_rotation = 0;
+    // What the program that wrote the text measured, and the height that its frame was given.
+    double m_shownWidth = 0;
+    double m_shownHeight = 0;
+    double m_frameHeight = 0;
     OdDbObjectId m_style;
     short m_attachment = 1;
 };

@@ -31,13 +31,16 @@ using KeptKinds = std::map<std::string, std::size_t>;
 using ByteSink = std::function<void(const char* bytes, std::size_t size)>;
 
 /// Writes a drawing. The database stays as it is, but for handles that older files lack. Erased objects, and
-/// those below an erased owner, are left out.
+/// those below an erased owner, are left out. Raises OdError (eFilerError) for a number that is infinite or
+/// none; what was handed out until then is no file.
 LM_DRAWING_API void writeDrawing(OdDbDatabase& database, const ByteSink& sink,
                                  const WriteOptions& options = {}, KeptKinds* kept = nullptr);
 
 /// Saves a drawing under a path: beside the target, flushed, renamed, so that a file is old or new and never
 /// half. Raises OdError (eFilerError) with one line that names the path and the reason; the old file stands
-/// then.
+/// then, and the database can be saved again. A file that somebody else changed since the database was read
+/// from it or saved to it is such a reason. Only where the last flush of all fails, that of the folder, the
+/// new file stands there already.
 LM_DRAWING_API void saveDrawing(OdDbDatabase& database, const OdString& path,
                                 const WriteOptions& options = {}, KeptKinds* kept = nullptr);
 

@@ -87,6 +87,10 @@ const char* CheckResult::describe(int number) {
         return "a block for the picture of an entity that isn't there";
     case Flaw::kUnknownSetting:
         return "a setting that names what isn't there";
+    case Flaw::kBadXData:
+        return "extended data that can't be read";
+    case Flaw::kNoVersion:
+        return "a version that is empty";
     }
     return Report::describe(static_cast<Defect>(number));
 }

@@ -28,7 +28,10 @@ enum GroupCode {
     kHardEntry = 360,
     kFirstXData = 1000,
     kApplication = 1001,
-    kXDataHandle = 1005
+    kXDataBytes = 1004,
+    kXDataHandle = 1005,
+    kXDataShort = 1070,
+    kXDataLong = 1071
 };
 constexpr int kComment = 999;
 
@@ -90,6 +93,7 @@ private:
         std::string_view brace; ///< the mark of the open braces
         std::string_view entry; ///< name of the dictionary entry
         std::string_view application;
+        int pointRest = 0; ///< the code that a point of extended data has to go on with
         bool isField() const { return brace.empty() && !xrecord && !embedded; }
     };
 
@@ -102,9 +106,10 @@ private:
                 node.kind == kKindBlock || node.kind == kKindEndblk ? &blockSpec() : specOf(node).fields;
             forEachGroup(*m_data.source, node, [&](const Group& group) {
                 if (group.code >= kFirstXData && changed) return false;
-                group.code >= kFirstXData ? xdata(node, group) : field(node, group, place, *spec);
+                group.code >= kFirstXData ? xdata(node, group, place) : field(node, group, place, *spec);
                 return true;
             });
+            if (!changed) pointInXData(node, 0, place);
         }
         if (changed || node.length == 0) changedXData(node);
     }
@@ -294,7 +299,52 @@ private:
     // --- extended data
     // ------------------------------------------------------------------------------------------
 
-    void xdata(Node& node, const Group& group) {
+    /// Three groups make a point; `code` 0 stands for the end of the entry.
+    void pointInXData(Node& node, int code, Place& place) {
+        if (place.pointRest != 0 && code != place.pointRest)
+            m_context.add(Flaw::kBadXData, &node,
+                          [&] { return "a point without its group " + std::to_string(place.pointRest); });
+        const bool isFirst = code >= 1010 && code <= 1013;
+        const bool isSecond = code == place.pointRest && code >= 1020 && code <= 1023;
+        place.pointRest = isFirst || isSecond ? code + 10 : 0;
+    }
+
+    static bool isXDataCode(int code) {
+        return code <= kXDataHandle || (code >= 1010 && code <= 1013) || (code >= 1020 && code <= 1023) ||
+               (code >= 1030 && code <= 1033) || (code >= 1040 && code <= 1042) || code == kXDataShort ||
+               code == kXDataLong;
+    }
+
+    /// Whether a value is what its code says.
+    bool isXDataValue(const Group& group) const {
+        bool bad = false;
+        if (valueTypeOf(group.code) == ValueType::kReal) {
+            Values(*m_data.source).real(group, bad);
+            return !bad;
+        }
+        if (m_data.source->binary) return true;
+        const std::string_view text = stripped(group.raw());
+        if (group.code == kXDataBytes)
+            return text.size() % 2 == 0 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
+        if (group.code != kXDataShort && group.code != kXDataLong) return true;
+        // Some programs write the same bits without a sign.
+        const int bits = group.code == kXDataShort ? 16 : 32;
+        const long long value = Values(*m_data.source).integer(group, bad);
+        return !bad && value >= -(1LL << (bits - 1)) && value < (1LL << bits);
+    }
+
+    void formOfXData(Node& node, const Group& group, Place& place) {
+        pointInXData(node, group.code, place);
+        if (isXDataCode(group.code) && isXDataValue(group)) return;
+        m_context.add(Flaw::kBadXData, &node, [&] {
+            const std::string_view value = m_data.source->binary ? "?" : group.raw().substr(0, 40);
+            return "group " + std::to_string(group.code) +
+                   (isXDataCode(group.code) ? ", \"" + std::string(value) + "\"" : "");
+        });
+    }
+
+    void xdata(Node& node, const Group& group, Place& place) {
+        formOfXData(node, group, place);
         if (group.code == kApplication) {
             useApplication(node, group.raw());
         } else if (group.code == kXDataHandle) {

@@ -115,10 +115,19 @@ void checkHeader(CheckContext& context) {
     }
 }
 
+/// Other programs refuse a file that names an empty version. One that names none is an old one.
+void checkVersion(CheckContext& context) {
+    const OdSmartPtr<OdResBuf> value = readHeaderVariable(context.data, "ACADVER");
+    if (!value.isNull() && stripped(utf8(value->getString())).empty())
+        context.add(
+            Flaw::kNoVersion, nullptr, [] { return std::string("ACADVER"); }, true);
+}
+
 } // namespace
 
 void checkStructure(CheckContext& context) {
     if (!context.isFromFile()) return; // a drawing that was made here has all this
+    checkVersion(context);
     if (context.isHandleVersion()) {
         checkFixed(context);
         checkFrames(context);

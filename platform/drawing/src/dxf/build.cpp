@@ -158,6 +158,7 @@ private:
     }
 
     void placeTables() {
+        // Strays that come to light below stand inside a table, where no other one can be made.
         const std::size_t loose = m_data.strays.size();
         // Layers name line types, so line types come first.
         std::stable_sort(m_scanned.tables.begin(), m_scanned.tables.end(),
@@ -248,12 +249,15 @@ private:
     /// Takes records of other kinds out of a table: whoever finds a record by name counts on its class.
     void dropStrangers(Node& table, std::string_view name) {
         const Kind wanted = recordKindOf(name);
-        if (wanted == kKindNone) return;
+        const auto belongs = [this, wanted](std::uint16_t kind) {
+            if (wanted != kKindNone) return kind == wanted;
+            return recordKindOf(m_data.kinds.name(kind)) == kKindNone; // a table whose records aren't read
+        };
         Node* part = table.firstPart;
         table.firstPart = table.lastPart = nullptr;
         for (Node* next = nullptr; part != nullptr; part = next) {
             next = part->next;
-            if (part->kind == wanted) {
+            if (belongs(part->kind)) {
                 table.appendPart(part);
                 continue;
             }

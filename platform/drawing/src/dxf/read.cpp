@@ -6,6 +6,8 @@
 
 #include "drawing/blockreference.h"
 
+#include <charconv>
+
 namespace lm::drawing {
 
 namespace {
@@ -15,6 +17,24 @@ constexpr int kComment = 999;
 constexpr int kFirstXData = 1000;
 constexpr int kApplication = 1001;
 constexpr std::string_view kXrecordMark = "AcDbXrecord";
+
+/// What counts in place of a number that can't be read: its beginning where that is a number, else 0.
+std::string takenFor(const Values& values, const Group& group) {
+    bool bad = false;
+    switch (valueTypeOf(group.code)) {
+    case ValueType::kReal: {
+        char digits[40];
+        return {digits, std::to_chars(digits, digits + sizeof digits, values.real(group, bad)).ptr};
+    }
+    case ValueType::kInt16:
+    case ValueType::kInt32:
+    case ValueType::kInt64:
+    case ValueType::kBool:
+        return std::to_string(values.integer(group, bad));
+    default:
+        return "0";
+    }
+}
 
 void reportBad(ReadContext& context, const Group& group) {
     const Source& source = context.values.source();
@@ -27,7 +47,7 @@ void reportBad(ReadContext& context, const Group& group) {
         report.add({Defect::kBadNumber, context.node.handle, place(Defect::kBadNumber),
                     "group " + std::to_string(group.code) + ", found \"" +
                         (source.binary ? std::string("?") : std::string(group.raw().substr(0, 60))) +
-                        "\", taken as 0"});
+                        "\", taken as " + takenFor(context.values, group)});
     if (context.badText)
         report.add({Defect::kBadText, context.node.handle, place(Defect::kBadText),
                     "group " + std::to_string(group.code)});

@@ -5,6 +5,8 @@
 #include "dxf/resolver.h"
 #include "dxf/scan.h"
 
+#include "system/path.h"
+
 #include <cstring>
 
 namespace lm::drawing {
@@ -119,11 +121,11 @@ void readMemory(OdDbDatabase& database, std::string bytes, const std::string& na
 }
 
 void readInto(OdDbDatabase& database, const OdString& path, const ReadOptions& options) {
-    std::string native = utf8(path);
-    std::replace(native.begin(), native.end(), '\\', '/');
+    const std::string file = system::nativePath(path.view());
+    const std::string native = system::shownPath(file);
     auto source = std::make_unique<Source>();
     source->name = native;
-    const system::FileOutcome outcome = system::readWhole(native, source->bytes, LineWatch());
+    const system::FileOutcome outcome = system::readWhole(file, source->bytes, LineWatch());
     switch (outcome.status) {
     case system::FileStatus::kRead:
         break;
@@ -144,6 +146,7 @@ void readInto(OdDbDatabase& database, const OdString& path, const ReadOptions& o
     prepare(*source);
     database.data().source = std::move(source);
     load(database, options);
+    database.data().files[system::resolvedPath(file)] = outcome.stamp;
     database.setFilename(path);
 }
 

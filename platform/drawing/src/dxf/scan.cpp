@@ -54,7 +54,7 @@ public:
             if (type != "SECTION") fail(m_group.data, "SECTION or EOF", type);
             section();
         }
-        if (!m_closed) report(Defect::kMissingEnd, m_source.end(), "the file has no EOF");
+        if (!m_closed) reportMissingEnd();
         if (m_data.sections.empty()) fail(m_source.begin(), "a section", "none");
     }
 
@@ -76,6 +76,13 @@ private:
             else if (m_step == Step::kBadCode)
                 failCode(m_before);
         }
+    }
+
+    void reportMissingEnd() {
+        const bool hasRest = m_before != m_source.end();
+        report(Defect::kMissingEnd, hasRest ? m_before : m_source.end(),
+               hasRest ? "the file has no EOF; what it ends with is no group and is dropped"
+                       : "the file has no EOF");
     }
 
     bool isBlankFrom(const char* at) const {

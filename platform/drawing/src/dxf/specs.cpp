@@ -242,7 +242,7 @@ struct ClassSpecs {
         return trueColorOf(static_cast<const OdDbLayerTableRecord&>(o).m_color, v);
     }
     static void readVertexX(OdDbObject& o, const Group& g, ReadContext& c) {
-        static_cast<OdDbPolyline&>(o).m_vertices.push_back({{c.real(g), 0}, 0});
+        static_cast<OdDbPolyline&>(o).m_vertices.push_back({{c.real(g), 0}});
     }
     static void readVertexY(OdDbObject& o, const Group& g, ReadContext& c) {
         auto& vertices = static_cast<OdDbPolyline&>(o).m_vertices;
@@ -251,6 +251,14 @@ struct ClassSpecs {
     static void readBulge(OdDbObject& o, const Group& g, ReadContext& c) {
         auto& vertices = static_cast<OdDbPolyline&>(o).m_vertices;
         if (!vertices.empty()) vertices.back().bulge = c.real(g);
+    }
+    static void readStartWidth(OdDbObject& o, const Group& g, ReadContext& c) {
+        auto& vertices = static_cast<OdDbPolyline&>(o).m_vertices;
+        if (!vertices.empty()) vertices.back().startWidth = c.real(g);
+    }
+    static void readEndWidth(OdDbObject& o, const Group& g, ReadContext& c) {
+        auto& vertices = static_cast<OdDbPolyline&>(o).m_vertices;
+        if (!vertices.empty()) vertices.back().endWidth = c.real(g);
     }
     static void readVertexCount(OdDbObject& o, const Group& g, ReadContext& c) {
         constexpr long long kTrusted = 4096;      // a count in a file is a hint and no reason to take memory
@@ -352,6 +360,12 @@ struct ClassSpecs {
              &nameOf<&OdDbMText::m_style>},
             {40, "height", "real", &readReal<&OdDbMText::m_height>, &realOf<&OdDbMText::m_height>},
             {41, "width", "real", &readReal<&OdDbMText::m_width>, &realOf<&OdDbMText::m_width>},
+            {42, "shown width", "real", &readReal<&OdDbMText::m_shownWidth>,
+             &realOf<&OdDbMText::m_shownWidth>},
+            {43, "shown height", "real", &readReal<&OdDbMText::m_shownHeight>,
+             &realOf<&OdDbMText::m_shownHeight>},
+            {46, "frame height", "real", &readReal<&OdDbMText::m_frameHeight>,
+             &realOf<&OdDbMText::m_frameHeight>},
             {50, "rotation", "radians", &readReal<&OdDbMText::m_rotation>, &realOf<&OdDbMText::m_rotation>},
             {71, "attachment", "1 to 9", &readInteger<&OdDbMText::m_attachment>,
              &integerOf<&OdDbMText::m_attachment>}};
@@ -369,23 +383,38 @@ struct ClassSpecs {
              &scaleOf<&OdDbBlockReference::m_scale>},
             {43, "z scale", "real", &readScale<&OdDbBlockReference::m_scale>,
              &scaleOf<&OdDbBlockReference::m_scale>},
+            {44, "column spacing", "real", &readReal<&OdDbBlockReference::m_columnSpacing>,
+             &realOf<&OdDbBlockReference::m_columnSpacing>},
+            {45, "row spacing", "real", &readReal<&OdDbBlockReference::m_rowSpacing>,
+             &realOf<&OdDbBlockReference::m_rowSpacing>},
             {50, "rotation", "degrees", &readAngle<&OdDbBlockReference::m_rotation>,
-             &angleOf<&OdDbBlockReference::m_rotation>}};
+             &angleOf<&OdDbBlockReference::m_rotation>},
+            {70, "columns", "integer", &readInteger<&OdDbBlockReference::m_columns>,
+             &integerOf<&OdDbBlockReference::m_columns>},
+            {71, "rows", "integer", &readInteger<&OdDbBlockReference::m_rows>,
+             &integerOf<&OdDbBlockReference::m_rows>}};
         return fields;
     }
+    template<auto M>
+    static constexpr FieldSpec thickness() {
+        return {39, "thickness", "real", &readReal<M>, &realOf<M>};
+    }
     static std::span<const FieldSpec> point() {
-        static const FieldSpec fields[] = {LM_TRIPLE(10, "position", &OdDbPoint::m_position)};
+        static const FieldSpec fields[] = {LM_TRIPLE(10, "position", &OdDbPoint::m_position),
+                                           thickness<&OdDbPoint::m_thickness>()};
         return fields;
     }
     static std::span<const FieldSpec> line() {
         static const FieldSpec fields[] = {LM_TRIPLE(10, "start", &OdDbLine::m_start),
-                                           LM_TRIPLE(11, "end", &OdDbLine::m_end)};
+                                           LM_TRIPLE(11, "end", &OdDbLine::m_end),
+                                           thickness<&OdDbLine::m_thickness>()};
         return fields;
     }
     static std::span<const FieldSpec> circle() {
         static const FieldSpec fields[] = {
             LM_TRIPLE(10, "centre", &OdDbCircle::m_center),
             LM_TRIPLE(210, "normal", &OdDbCircle::m_normal),
+            thickness<&OdDbCircle::m_thickness>(),
             {40, "radius", "real", &readReal<&OdDbCircle::m_radius>, &realOf<&OdDbCircle::m_radius>}};
         return fields;
     }
@@ -393,6 +422,7 @@ struct ClassSpecs {
         static const FieldSpec fields[] = {
             LM_TRIPLE(10, "centre", &OdDbArc::m_center),
             LM_TRIPLE(210, "normal", &OdDbArc::m_normal),
+            thickness<&OdDbArc::m_thickness>(),
             {40, "radius", "real", &readReal<&OdDbArc::m_radius>, &realOf<&OdDbArc::m_radius>},
             {50, "start angle", "degrees", &readAngle<&OdDbArc::m_startAngle>,
              &angleOf<&OdDbArc::m_startAngle>},
@@ -411,15 +441,20 @@ struct ClassSpecs {
         return fields;
     }
     static std::span<const FieldSpec> polyline() {
-        static const FieldSpec fields[] = {{90, "vertices", "count", &readVertexCount, &valueOfVertexCount},
-                                           {70, "flags", "bits", &readInteger<&OdDbPolyline::m_polylineFlags>,
-                                            &integerOf<&OdDbPolyline::m_polylineFlags>},
-                                           {38, "elevation", "real", &readReal<&OdDbPolyline::m_elevation>,
-                                            &realOf<&OdDbPolyline::m_elevation>},
-                                           {10, "vertex x", "real", &readVertexX, nullptr},
-                                           {20, "vertex y", "real", &readVertexY, nullptr},
-                                           {42, "bulge", "real", &readBulge, nullptr},
-                                           LM_TRIPLE(210, "normal", &OdDbPolyline::m_normal)};
+        static const FieldSpec fields[] = {
+            {90, "vertices", "count", &readVertexCount, &valueOfVertexCount},
+            {70, "flags", "bits", &readInteger<&OdDbPolyline::m_polylineFlags>,
+             &integerOf<&OdDbPolyline::m_polylineFlags>},
+            {38, "elevation", "real", &readReal<&OdDbPolyline::m_elevation>,
+             &realOf<&OdDbPolyline::m_elevation>},
+            {10, "vertex x", "real", &readVertexX, nullptr},
+            {20, "vertex y", "real", &readVertexY, nullptr},
+            {42, "bulge", "real", &readBulge, nullptr},
+            {40, "start width", "real", &readStartWidth, nullptr},
+            {41, "end width", "real", &readEndWidth, nullptr},
+            {43, "width", "real", &readReal<&OdDbPolyline::m_width>, &realOf<&OdDbPolyline::m_width>},
+            thickness<&OdDbPolyline::m_thickness>(),
+            LM_TRIPLE(210, "normal", &OdDbPolyline::m_normal)};
         return fields;
     }
     static std::span<const FieldSpec> record() {

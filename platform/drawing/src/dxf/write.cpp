@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dxf/write.h"
 
+#include "system/path.h"
 #include "system/savefile.h"
 
 #include <algorithm>
@@ -144,6 +145,7 @@ void DrawingWriter::visit(Node& node) {
     if (!m_plan.isLive(node) || unwanted) return drop(typeStart(node), end);
     if (m_old || m_plan.isEdited(node)) {
         copyTo(begin);
+        m_writing = &node;
         m_out.put(m_maker.make(node));
         m_pos = end;
     } else if (m_sameForm && needsConversion(end)) {
@@ -233,6 +235,37 @@ void DrawingWriter::copyBytes(const char* from, const char* to) {
         convert(TextCursor(*m_source, from, to));
 }
 
+std::string DrawingWriter::describe(const NotFinite& number) const {
+    std::string line = "the number under group " + std::to_string(number.code) + " of ";
+    if (m_writing == nullptr)
+        line += "the header";
+    else
+        line += std::string(m_data.kinds.name(m_writing->kind)) + " " +
+                utf8(OdDbHandle(m_writing->handle).ascii());
+    return line + " is infinite or no number";
+}
+
+namespace {
+
+OdError cannotSave(const std::string& line) {
+    return OdError(eFilerError, OdString(WideView(system::fromUtf8(line))));
+}
+
+/// Refuses to write over what somebody else made of a file since this drawing was read from it or saved to
+/// it.
+void refuseChanged(const DatabaseData& data, const std::string& native, const std::string& resolved) {
+    const auto known = data.files.find(resolved);
+    if (known == data.files.end()) return;
+    const std::optional<system::FileStamp> now = system::stampOf(resolved);
+    if (now && *now != known->second)
+        throw cannotSave(
+            system::shownPath(native) +
+            ": can't be saved, the file was changed by somebody else since the drawing was read; "
+            "save under another name");
+}
+
+} // namespace
+
 void writeDrawing(OdDbDatabase& database, const ByteSink& sink, const WriteOptions& options,
                   KeptKinds* kept) {
     DatabaseData& data = database.data();
@@ -241,21 +274,36 @@ void writeDrawing(OdDbDatabase& database, const ByteSink& sink, const WriteOptio
     const TextEncoder encoder(decoder);
     const bool watch = !options.binary && !isUtf8Version(options.version) && form.page != kUtf8;
     DrawingWriter writer(data, options, form, encoder, watch, sink);
-    writer.run();
+    try {
+        writer.run();
+    } catch (const NotFinite& number) {
+        throw cannotSave(writer.describe(number));
+    }
     if (kept != nullptr) *kept = writer.kept();
 }
 
 void saveDrawing(OdDbDatabase& database, const OdString& path, const WriteOptions& options, KeptKinds* kept) {
-    std::string native = utf8(path);
-    std::replace(native.begin(), native.end(), '\\', '/');
+    const std::string native = system::nativePath(path.view());
+    const std::string resolved = system::resolvedPath(native);
+    DatabaseData& data = database.data();
+    refuseChanged(data, native, resolved);
     try {
         system::SaveFile file(native);
-        writeDrawing(
-            database, [&file](const char* bytes, std::size_t size) { file.append(bytes, size); }, options,
-            kept);
+        const ByteSink sink = [&file](const char* bytes, std::size_t size) { file.append(bytes, size); };
+        try {
+            writeDrawing(database, sink, options, kept);
+        } catch (const OdError& error) {
+            if (error.code() != eFilerError) throw;
+            throw cannotSave(system::shownPath(native) + ": can't be saved, " + utf8(error.description()));
+        }
+        refuseChanged(data, native, resolved);
         file.commit();
+        data.files[resolved] = file.stamp();
     } catch (const system::SaveError& error) {
-        throw OdError(eFilerError, OdString(WideView(system::fromUtf8(error.what()))));
+        // The new file may stand there although its folder couldn't be flushed.
+        if (error.replaced())
+            if (const auto now = system::stampOf(resolved)) data.files[resolved] = *now;
+        throw cannotSave(error.what());
     }
 }
 

@@ -12,6 +12,7 @@ namespace lm::drawing {
 
 /// Things that come in at one place of the source, in this order.
 enum class Rank : unsigned char {
+    kLineEnd, ///< the end of the last line, where it lacks it
     kHeader,
     kPart,       ///< attributes of the reference in front
     kPartsEnd,   ///< the SEQEND behind them
@@ -38,6 +39,8 @@ public:
                   const TextEncoder& encoder, bool watch, const ByteSink& sink);
     void run();
     KeptKinds kept() const { return m_plan.kept(); }
+    /// The line for a number that no file can hold.
+    std::string describe(const NotFinite& number) const;
 
 private:
     // write.cpp: through the source
@@ -100,11 +103,12 @@ private:
     EntryMaker m_maker;
     GroupWriter m_out;
     const Source* m_source;
-    std::string m_codePage;  ///< what $DWGCODEPAGE says
-    bool m_old;              ///< every entry of the source is upgraded
-    bool m_sameForm = false; ///< bytes of the source may stay, as far as the form goes
-    bool m_samePage = false; ///< and as far as their encoding goes
-    bool m_ended = false;    ///< EOF was converted; nothing comes behind it
+    std::string m_codePage;          ///< what $DWGCODEPAGE says
+    bool m_old;                      ///< every entry of the source is upgraded
+    bool m_sameForm = false;         ///< bytes of the source may stay, as far as the form goes
+    bool m_samePage = false;         ///< and as far as their encoding goes
+    bool m_ended = false;            ///< EOF was converted; nothing comes behind it
+    const Node* m_writing = nullptr; ///< the latest entry that was made from its groups
     const char* m_pos = nullptr;
     const char* m_lastEnd = nullptr; ///< of the last entry that stays
     const char* m_high = nullptr;    ///< the first byte from 0x80 on from m_pos, or behind it

@@ -16,7 +16,6 @@ namespace {
 constexpr int kComment = 999;
 constexpr int kFirstXData = 1000;
 constexpr int kApplication = 1001;
-constexpr int kSubclass = 100;
 constexpr int kCloning = 280;
 constexpr std::string_view kXrecordMark = "AcDbXrecord";
 

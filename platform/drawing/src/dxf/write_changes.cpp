@@ -321,20 +321,24 @@ void DrawingWriter::planSections() {
 void DrawingWriter::planEnd() {
     const std::uint64_t behind = endOf(m_data.sections.back());
     const char* start = at(behind);
-    std::uint64_t end = offsetOf(m_source->end());
+    const std::uint64_t end = offsetOf(m_source->end());
     bool found = false;
     walk(*m_source, at(behind), m_source->end(), [&](const Group& group, const char* next) {
         found = group.code == 0 && stripped(group.raw()) == "EOF";
         if (!found) start = next;
         return !found;
     });
-    if (found) end = offsetOf(start);
-    addChange(end, Rank::kFileEnd, [this, found] {
-        const bool open = !found && m_sameForm && !m_source->binary && m_source->end()[-1] != '\n';
-        if (open) m_out.endLine();
-        m_out.putPageMark();
-        if (!found) m_out.put(0, "EOF");
-    });
+    // Behind the last whole group there may be the beginning of one, or blank lines: with EOF behind it
+    // nobody could read that.
+    const std::uint64_t place = offsetOf(start);
+    if (!found) addChange(place, Rank::kLineEnd, [this] { m_out.endLine(); });
+    addChange(
+        place, Rank::kFileEnd,
+        [this, found] {
+            m_out.putPageMark();
+            if (!found) m_out.put(0, "EOF");
+        },
+        found ? 0 : end - place);
 }
 
 } // namespace lm::drawing

@@ -53,6 +53,7 @@ OutGroups EntryMaker::make(Node& node) {
     OutGroups groups = isNew ? fresh(node) : given(node);
     if (!isNew && (isCopy || m_plan.isEdited(node))) edit(groups, node, isCopy);
     m_plan.renamed.apply(node.kind, groups);
+    if (m_plan.anyDead) dropDead(m_data, m_data.kinds.name(node.kind), groups);
     if (m_completed.count(&node) != 0) m_skeleton.addTo(node, groups);
     return groups;
 }

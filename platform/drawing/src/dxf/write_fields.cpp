@@ -10,7 +10,6 @@ namespace {
 
 constexpr int kSubclass = 100;
 constexpr int kEmbeddedMark = 101;
-constexpr int kFirstXData = 1000;
 
 bool isPoint(const FieldSpec& row) {
     return std::strcmp(row.type, "point") == 0;
@@ -250,7 +249,7 @@ constexpr int kVertexX = 10, kVertexY = 20, kVertexBulge = 42, kStartWidth = 40,
               kVertexId = 91;
 
 struct Corner {
-    double x = 0, y = 0, bulge = 0;
+    double x = 0, y = 0, bulge = 0, start = 0, end = 0; // the last two are widths
     bool operator==(const Corner&) const = default;
 };
 
@@ -265,12 +264,17 @@ std::vector<Corner> cornersOf(const OdDbPolyline& polyline) {
     for (unsigned i = 0; i < corners.size(); ++i) {
         const OdGePoint3d point = polyline.getPointAt(i);
         corners[i] = {point.x, point.y, polyline.getBulgeAt(i)};
+        polyline.getWidthsAt(i, corners[i].start, corners[i].end);
     }
     return corners;
 }
 
 OutGroups groupsOfCorner(const Corner& corner) {
     OutGroups groups{OutGroup::real(kVertexX, corner.x), OutGroup::real(kVertexY, corner.y)};
+    if (corner.start != 0 || corner.end != 0) {
+        groups.push_back(OutGroup::real(kStartWidth, corner.start));
+        groups.push_back(OutGroup::real(kEndWidth, corner.end));
+    }
     if (corner.bulge != 0) groups.push_back(OutGroup::real(kVertexBulge, corner.bulge));
     return groups;
 }
@@ -288,6 +292,8 @@ void setCorner(CornerGroups& old, const Corner& now) {
     };
     set(kVertexX, now.x, old.corner.x, 0);
     set(kVertexY, now.y, old.corner.y, 1);
+    set(kStartWidth, now.start, old.corner.start, old.groups.size());
+    set(kEndWidth, now.end, old.corner.end, old.groups.size());
     set(kVertexBulge, now.bulge, old.corner.bulge, old.groups.size());
 }
 
@@ -305,6 +311,8 @@ std::vector<CornerGroups> takeCorners(const OutGroups& groups, std::vector<bool>
         CornerGroups& last = corners.back();
         if (code == kVertexX) last.corner.x = realOf(groups[i]);
         if (code == kVertexY) last.corner.y = realOf(groups[i]);
+        if (code == kStartWidth) last.corner.start = realOf(groups[i]);
+        if (code == kEndWidth) last.corner.end = realOf(groups[i]);
         if (code == kVertexBulge) last.corner.bulge = realOf(groups[i]);
         last.groups.push_back(groups[i]);
         remove[i] = true;
@@ -486,6 +494,25 @@ void addEmbedded(OutGroups& groups, const OdDbMText& current, bool definition) {
     }
 }
 
+namespace {
+
+/// An attribute repeats the place of its multi-line text in front of it, and what did so goes on doing so.
+void editEmbeddedHead(OutGroups& groups, std::size_t embedded, const OdGePoint3d& now) {
+    constexpr int kCodes[] = {11, 21, 31}, kFirstXData = 1000;
+    const double place[] = {now.x, now.y, now.z};
+    for (int i = 0; i < 3; ++i) {
+        std::size_t head = embedded, own = embedded;
+        while (head > 0 && groups[head].code != kCodes[i]) --head;
+        while (own < groups.size() && groups[own].code < kFirstXData && groups[own].code != kCodes[i] - 1)
+            ++own;
+        if (head == 0 || own == groups.size() || groups[own].code != kCodes[i] - 1) continue;
+        if (realOf(groups[head]) == realOf(groups[own]) && realOf(groups[head]) != place[i])
+            groups[head] = OutGroup::real(kCodes[i], place[i]);
+    }
+}
+
+} // namespace
+
 void editEmbedded(OutGroups& groups, const OdDbMText* current, bool definition, const ReadGroups& read) {
     std::size_t first = groups.size(), end = groups.size();
     std::vector<bool> remove(groups.size());
@@ -508,6 +535,7 @@ void editEmbedded(OutGroups& groups, const OdDbMText* current, bool definition, 
         return;
     }
     if (current == nullptr) return removeMarked(groups, remove);
+    if (locks >= 2) editEmbeddedHead(groups, first, current->location());
     // The embedded text is edited like an entry of its own.
     const auto from = groups.begin() + static_cast<std::ptrdiff_t>(first + 1);
     const auto to = groups.begin() + static_cast<std::ptrdiff_t>(end);

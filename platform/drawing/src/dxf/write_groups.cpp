@@ -77,7 +77,6 @@ bool hasControl(std::string_view bytes) {
 } // namespace
 
 std::string realText(double value) {
-    if (!std::isfinite(value)) return "0.0";
     char digits[40];
     const auto end = std::to_chars(digits, digits + sizeof digits, value);
     std::string text(digits, end.ptr);
@@ -97,7 +96,17 @@ void GroupWriter::flush() {
     if (m_buffer.empty()) return;
     if (m_watching) m_watch.see(m_buffer.data(), m_buffer.data() + m_buffer.size());
     m_sink(m_buffer.data(), m_buffer.size());
+    m_last = m_buffer.back();
     m_buffer.clear();
+}
+
+void GroupWriter::endLine() {
+    const char last = m_buffer.empty() ? m_last : m_buffer.back();
+    if (m_form.binary || last == '\n') return;
+    if (last == '\r')
+        m_buffer.push_back('\n');
+    else
+        m_buffer += m_form.lineEnd;
 }
 
 void GroupWriter::copy(const char* begin, const char* end) {
@@ -113,6 +122,7 @@ void GroupWriter::copy(const char* begin, const char* end) {
         const char* const next = at + std::min(static_cast<std::size_t>(end - at), kBuffer);
         if (m_watching) m_watch.see(at, next);
         m_sink(at, static_cast<std::size_t>(next - at));
+        m_last = next[-1];
         at = next;
     }
 }
@@ -141,9 +151,10 @@ void GroupWriter::putText(int code, std::string_view bytes) {
 }
 
 void GroupWriter::putReal(int code, double value) {
+    if (!std::isfinite(value)) throw NotFinite{code};
     if (!m_form.binary) return putText(code, realText(value));
     putCode(code);
-    raw(std::isfinite(value) ? value : 0.0);
+    raw(value);
     mayFlush();
 }
 

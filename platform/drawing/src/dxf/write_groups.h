@@ -16,9 +16,14 @@ struct FileForm {
     std::string page = "UTF-8";        ///< of the text, as TextDecoder::page has it
 };
 
-/// The shortest decimal form of a number that reads back as the same, with a point. What is no number gives
-/// 0.
+/// The shortest decimal form of a finite number that reads back as the same, with a point.
 std::string realText(double value);
+
+/// Raised for a value that is infinite or no number: a file can't hold it, and any other number would be
+/// wrong.
+struct NotFinite {
+    int code = 0; ///< of the group
+};
 
 class GroupWriter {
 public:
@@ -46,8 +51,9 @@ public:
         put(0, entry.type);
         put(entry.groups);
     }
-    /// Ends a line that was copied without its end.
-    void endLine() { m_buffer += m_form.lineEnd; }
+    /// Ends a line of text that was copied without its end, or with half of it. Does nothing where a line
+    /// has ended.
+    void endLine();
     /// The comment that keeps the file from being taken for UTF-8, if it is needed.
     void putPageMark();
     /// Hands over what is still held back.
@@ -77,6 +83,7 @@ private:
     const Source* m_own;
     std::string m_buffer;
     std::string m_scratch;
+    char m_last = '\n'; ///< the last byte that was handed over
     Utf8Watch m_watch;
     bool m_watching;
 };

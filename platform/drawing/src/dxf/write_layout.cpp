@@ -61,27 +61,13 @@ constexpr I kEllipse[] = {LM_ENTITY,
 constexpr I kPolyline[] = {
     LM_ENTITY, mark("AcDbPolyline"), field(90), field(70), option(38), list(10), list(20),
     list(42),  LM_POINT(option, 210)};
-constexpr I kText[] = {LM_ENTITY,
-                       mark("AcDbText"),
-                       option(39),
-                       LM_POINT(field, 10),
-                       field(40),
-                       field(1),
-                       option(50),
-                       option(41),
-                       option(51),
-                       option(7),
-                       option(71),
-                       option(72),
-                       LM_POINT(option, 11),
-                       LM_POINT(option, 210),
-                       mark("AcDbText"),
-                       option(73)};
-#define LM_ATTRIBUTE_TEXT                                                                                    \
+// What texts, attributes and their definitions begin with.
+#define LM_TEXT                                                                                              \
     LM_ENTITY, mark("AcDbText"), option(39), LM_POINT(field, 10), field(40), field(1), option(50),           \
         option(41), option(51), option(7), option(71), option(72), LM_POINT(option, 11),                     \
         LM_POINT(option, 210)
-constexpr I kAttribute[] = {LM_ATTRIBUTE_TEXT,
+constexpr I kText[] = {LM_TEXT, mark("AcDbText"), option(73)};
+constexpr I kAttribute[] = {LM_TEXT,
                             mark("AcDbAttribute"),
                             integer(280, 0, kAttributeVersion),
                             field(2),
@@ -90,7 +76,7 @@ constexpr I kAttribute[] = {LM_ATTRIBUTE_TEXT,
                             option(74),
                             integer(280, 1, kAttributeVersion),
                             kEmbedded};
-constexpr I kDefinition[] = {LM_ATTRIBUTE_TEXT,
+constexpr I kDefinition[] = {LM_TEXT,
                              mark("AcDbAttributeDefinition"),
                              integer(280, 0, kAttributeVersion),
                              field(3),
@@ -100,25 +86,14 @@ constexpr I kDefinition[] = {LM_ATTRIBUTE_TEXT,
                              option(74),
                              integer(280, 1, kAttributeVersion),
                              kEmbedded};
-constexpr I kMText[] = {LM_ENTITY,
-                        mark("AcDbMText"),
-                        LM_POINT(field, 10),
-                        field(40),
-                        field(41),
-                        field(71),
-                        integer(72, 5),
-                        list(3),
-                        list(1),
-                        option(7),
-                        LM_POINT(option, 210),
-                        LM_POINT(option, 11),
-                        option(50),
-                        integer(73, 1),
-                        real(44, 1)};
-constexpr I kEmbeddedMText[] = {
-    LM_POINT(field, 10),  field(40),  field(41),      real(46, 0), field(71),
-    integer(72, 5),       list(3),    list(1),        option(7),   LM_POINT(option, 210),
-    LM_POINT(option, 11), option(50), integer(73, 1), real(44, 1)};
+// What multi-line texts end with, those inside attributes too.
+#define LM_MTEXT_END                                                                                         \
+    list(3), list(1), option(7), LM_POINT(option, 210), LM_POINT(option, 11), option(50), integer(73, 1),    \
+        real(44, 1)
+constexpr I kMText[] = {LM_ENTITY, mark("AcDbMText"), LM_POINT(field, 10), field(40),
+                        field(41), field(71),         integer(72, 5),      LM_MTEXT_END};
+constexpr I kEmbeddedMText[] = {LM_POINT(field, 10), field(40),      field(41),   real(46, 0),
+                                field(71),           integer(72, 5), LM_MTEXT_END};
 constexpr I kInsert[] = {LM_ENTITY,
                          mark("AcDbBlockReference"),
                          kFollow,

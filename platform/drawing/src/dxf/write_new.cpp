@@ -145,6 +145,7 @@ void DrawingWriter::writeNewTables() {
 // ------------------------------------------------------------------------------------------------------------
 
 void DrawingWriter::writeNode(Node& node) {
+    m_writing = &node;
     OutGroups groups = m_maker.make(node);
     if (groups.empty()) return; // a class that a file can't hold
     m_out.put(0, m_data.kinds.name(node.kind));
@@ -178,6 +179,7 @@ void DrawingWriter::writeBlock(Node& record) {
     const auto frame = m_plan.frames.find(&record);
     const bool framed = frame != m_plan.frames.end();
     m_out.put(0, "BLOCK");
+    m_writing = &record;
     m_out.put(framed ? m_maker.make(*frame->second.begin) : m_maker.blockBegin(record));
     const bool space = &record == m_data.fixed.modelSpace || &record == m_data.fixed.paperSpace;
     for (Node* part = record.firstPart; !space && part != nullptr; part = part->next)

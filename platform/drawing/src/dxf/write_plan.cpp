@@ -45,6 +45,7 @@ WritePlan::WritePlan(DatabaseData& owner) : data(owner), handles(owner), renamed
     planEnds();
     planDictionaries();
     planNames();
+    planLists();
 }
 
 void WritePlan::look(Node& node) {
@@ -149,6 +150,12 @@ void WritePlan::planNames() {
     data.nodes.forEach([this](Node& node) {
         if (node.offset != 0 && renamed.areNamedIn(node)) edit(node);
     });
+}
+
+/// Neither are other lists of handles: groups, drawing orders, reactors.
+void WritePlan::planLists() {
+    if (m_dead.empty() || data.source == nullptr) return;
+    forListsWithDead(data, [this](const Node& node) { edit(node); });
 }
 
 KeptKinds WritePlan::kept() const {

@@ -3,6 +3,7 @@
 // are not as the database has them, what comes in where, and which handles the file needs besides.
 #pragma once
 
+#include "dxf/write_lists.h"
 #include "dxf/write_names.h"
 
 #include <unordered_map>
@@ -57,6 +58,7 @@ private:
     void planEnds();
     void planDictionaries();
     void planNames();
+    void planLists();
 
     std::unordered_set<const Node*> m_edited;
     std::vector<Node*> m_dead;

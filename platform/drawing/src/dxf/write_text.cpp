@@ -94,7 +94,7 @@ void TextEncoder::encode(WideView text, std::string& out) const {
         } else if (unit == '^') {
             out += "^ ";
         } else if (unit < ' ') {
-            if (unit == 0) continue;
+            if (unit == 0) continue; // ends a text everywhere else, and no reader gives it back
             out.push_back('^');
             out.push_back(static_cast<char>(unit + '@'));
         } else if (unit == '\\' && (!m_plainBackslash || looksLikeEscape(text.substr(i + 1)))) {

@@ -15,7 +15,8 @@ OdDbBlockReference::~OdDbBlockReference() = default;
 
 OdDbBlockReference::OdDbBlockReference(const OdDbBlockReference& other)
     : OdDbEntity(other), m_position(other.m_position), m_normal(other.m_normal), m_scale(other.m_scale),
-      m_rotation(other.m_rotation), m_block(other.m_block) {
+      m_rotation(other.m_rotation), m_block(other.m_block), m_columnSpacing(other.m_columnSpacing),
+      m_rowSpacing(other.m_rowSpacing), m_columns(other.m_columns), m_rows(other.m_rows) {
     const OdSmartPtr<OdDbObjectIterator> walk = lm::drawing::attributesOf(other);
     for (walk->start(); !walk->done(); walk->step())
         if (const OdDbAttribute* attribute = OdDbAttribute::cast(walk->entity().get())) {
@@ -31,6 +32,10 @@ OdDbBlockReference& OdDbBlockReference::operator=(const OdDbBlockReference& othe
     m_scale = other.m_scale;
     m_rotation = other.m_rotation;
     m_block = other.m_block;
+    m_columnSpacing = other.m_columnSpacing;
+    m_rowSpacing = other.m_rowSpacing;
+    m_columns = other.m_columns;
+    m_rows = other.m_rows;
     return *this; // attributes are objects of their own
 }
 
@@ -117,6 +122,8 @@ OdResult OdDbBlockReference::transformBy(const OdGeMatrix3d& matrix) {
     m_rotation = plane.angle(m_rotation);
     m_scale = {m_scale.sx * plane.factor(), m_scale.sy * plane.factor() * (mirrored ? -1 : 1),
                m_scale.sz * plane.factor()};
+    m_columnSpacing *= plane.factor();
+    m_rowSpacing *= plane.factor() * (mirrored ? -1 : 1);
     m_normal = plane.normal();
     const OdSmartPtr<OdDbObjectIterator> walk = lm::drawing::attributesOf(*this);
     for (walk->start(); !walk->done(); walk->step()) {

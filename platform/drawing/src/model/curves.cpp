@@ -13,6 +13,15 @@ LM_RX_DEFINE(OdDbPolyline, OdDbEntity)
 
 using lm::drawing::PlaneTransform;
 
+namespace {
+
+/// What a transform makes of lengths along the z axis, which thicknesses of points and lines are.
+double heightFactor(const OdGeMatrix3d& matrix) {
+    return (matrix * OdGeVector3d::kZAxis).length();
+}
+
+} // namespace
+
 void OdDbPoint::setPosition(const OdGePoint3d& point) {
     beginChange();
     m_position = point;
@@ -21,6 +30,7 @@ void OdDbPoint::setPosition(const OdGePoint3d& point) {
 OdResult OdDbPoint::transformBy(const OdGeMatrix3d& matrix) {
     beginChange();
     m_position = matrix * m_position;
+    m_thickness *= heightFactor(matrix);
     return eOk;
 }
 
@@ -38,6 +48,7 @@ OdResult OdDbLine::transformBy(const OdGeMatrix3d& matrix) {
     beginChange();
     m_start = matrix * m_start;
     m_end = matrix * m_end;
+    m_thickness *= heightFactor(matrix);
     return eOk;
 }
 
@@ -62,6 +73,7 @@ OdResult OdDbCircle::transformBy(const OdGeMatrix3d& matrix) {
     beginChange();
     m_center = plane.point(m_center);
     m_radius *= plane.factor();
+    m_thickness *= plane.factor();
     m_normal = plane.normal();
     return eOk;
 }
@@ -101,6 +113,7 @@ OdResult OdDbArc::transformBy(const OdGeMatrix3d& matrix) {
     const double start = plane.angle(m_startAngle), end = plane.angle(m_endAngle);
     m_center = plane.point(m_center);
     m_radius *= plane.factor();
+    m_thickness *= plane.factor();
     m_startAngle = mirrored ? end : start;
     m_endAngle = mirrored ? start : end;
     m_normal = plane.normal();
@@ -163,10 +176,16 @@ double OdDbPolyline::getBulgeAt(unsigned int index) const {
     return m_vertices[index].bulge;
 }
 
+void OdDbPolyline::getWidthsAt(unsigned int index, double& start, double& end) const {
+    if (index >= m_vertices.size()) throw OdError_InvalidIndex(static_cast<long>(index));
+    start = m_vertices[index].startWidth;
+    end = m_vertices[index].endWidth;
+}
+
 void OdDbPolyline::addVertexAt(unsigned int index, const OdGePoint2d& point, double bulge) {
     if (index > m_vertices.size()) throw OdError_InvalidIndex(static_cast<long>(index));
     beginChange();
-    m_vertices.insert(m_vertices.begin() + index, Vertex{point, bulge});
+    m_vertices.insert(m_vertices.begin() + index, Vertex{point, bulge, 0, 0});
 }
 
 void OdDbPolyline::setClosed(bool closed) {
@@ -201,9 +220,13 @@ OdResult OdDbPolyline::transformBy(const OdGeMatrix3d& matrix) {
         const OdGePoint3d p = plane.point({vertex.point.x, vertex.point.y, m_elevation});
         vertex.point = {p.x, p.y};
         if (mirrored) vertex.bulge = -vertex.bulge;
+        vertex.startWidth *= plane.factor();
+        vertex.endWidth *= plane.factor();
         elevation = p.z;
     }
     m_elevation = elevation;
+    m_width *= plane.factor();
+    m_thickness *= plane.factor();
     m_normal = plane.normal();
     return eOk;
 }

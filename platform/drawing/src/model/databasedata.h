@@ -6,12 +6,15 @@
 #include "model/events.h"
 #include "model/handleindex.h"
 #include "model/kinds.h"
+#include "model/pictureusers.h"
 #include "model/rawgroups.h"
 #include "model/undolog.h"
 
 #include "drawing/blockreference.h"
 #include "drawing/database.h"
 #include "drawing/report.h"
+
+#include <map>
 
 namespace lm::drawing {
 
@@ -68,6 +71,9 @@ struct DatabaseData {
     FixedEntries fixed;
     std::uint64_t nextHandle = 1;
 
+    /// The files that hold the drawing as far as it knows: that it was read from, and those that it was saved
+    /// to. Keyed by path with all links followed.
+    std::map<std::string, system::FileStamp> files;
     std::shared_ptr<Source> source; ///< null for a drawing that came from no file; copies of objects share it
     std::vector<HeaderVariable> header;
     std::vector<Section> sections;
@@ -88,6 +94,7 @@ struct DatabaseData {
     std::shared_ptr<const char> identity = std::make_shared<const char>('\0');
     /// By the letters that names of anonymous blocks begin with, the lowest number that may be free.
     std::unordered_map<std::string, unsigned> nextAnonymous;
+    PictureUsers pictureUsers;
     UndoLog undo;
     Events events;
 
@@ -160,8 +167,16 @@ struct ObjectAccess {
     static void expectNames(OdDbSymbolTable& table, std::size_t names);
     static void leaveName(OdDbSymbolTable& table, const OdString& name, Node* node);
     static Node* findName(const OdDbSymbolTable& table, const OdString& name);
+    /// The live vertices of an entity, whether it is in a database or not.
+    static std::vector<OdDbEntity*> partsOf(const OdDbUnreadEntity& entity);
     static void addPart(OdDbUnreadEntity& entity, OdSmartPtr<OdDbEntity> part);
     static std::vector<Node*>& references(OdDbBlockTableRecord& block) { return block.m_references; }
+    /// Stretches the distances between the copies of an array.
+    static void stretchArray(OdDbBlockReference& reference, double columns, double rows) {
+        reference.beginChange();
+        reference.m_columnSpacing *= columns;
+        reference.m_rowSpacing *= rows;
+    }
     static OdDbObjectId& layerOf(OdDbEntity& entity) { return entity.m_layer; }
     static std::vector<OdSmartPtr<OdDbAttribute>>* outsideAttributes(const OdDbBlockReference& reference) {
         return reference.m_outside.get();

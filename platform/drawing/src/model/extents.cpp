@@ -3,6 +3,8 @@
 
 #include "model/databasedata.h"
 #include "model/iterators.h"
+#include "model/rawextents.h"
+#include "model/stretch.h"
 
 #include "drawing/curves.h"
 
@@ -19,8 +21,8 @@ OdGePoint3d onEllipse(const OdGePoint3d& center, const OdGeVector3d& a, const Od
     return center + a * std::cos(t) + b * std::sin(t);
 }
 
-/// Adds center + a cos t + b sin t for t from `start` on, `sweep` radians far: the ends, and where the curve
-/// turns back along an axis.
+} // namespace
+
 void addCurve(const OdGePoint3d& center, const OdGeVector3d& a, const OdGeVector3d& b, double start,
               double sweep, OdGeExtents3d& extents) {
     if (!(sweep > 0) || sweep > kFull) sweep = kFull;
@@ -35,7 +37,6 @@ void addCurve(const OdGePoint3d& center, const OdGeVector3d& a, const OdGeVector
         }
 }
 
-/// The way from one angle to another, counter-clockwise; all around when they are the same.
 double sweepOf(double from, double to) {
     const double sweep = std::fmod(to - from, kFull);
     return sweep > 0 ? sweep : sweep + kFull;
@@ -54,6 +55,8 @@ void addSegment(const OdGeMatrix3d& plane, const OdGePoint3d& p, const OdGePoint
     addCurve(plane * center, plane * OdGeVector3d(radius, 0, 0), plane * OdGeVector3d(0, radius, 0),
              std::atan2(first.y - center.y, first.x - center.x), 4 * std::atan(std::fabs(bulge)), extents);
 }
+
+namespace {
 
 bool addPolyline(const OdDbPolyline& polyline, const OdGeMatrix3d& matrix, OdGeExtents3d& extents) {
     const unsigned count = polyline.numVerts();
@@ -115,7 +118,17 @@ bool addMText(const OdDbMText& text, const OdGeMatrix3d& matrix, OdGeExtents3d& 
     return true;
 }
 
-/// Adds the box of an entity under a transform, for all classes but references.
+/// What an attribute or a definition shows: its multi-line form where it has one.
+bool addTextOrLines(const OdDbText& text, const OdGeMatrix3d& matrix, OdGeExtents3d& extents) {
+    OdSmartPtr<OdDbMText> lines;
+    if (const auto* attribute = OdDbAttribute::cast(&text)) lines = attribute->getMTextAttribute();
+    if (const auto* definition = OdDbAttributeDefinition::cast(&text))
+        lines = definition->getMTextAttributeDefinition();
+    return lines.isNull() ? addText(text, matrix, extents) : addMText(*lines.get(), matrix, extents);
+}
+
+/// Adds the box of an entity under a transform, for all classes but references, and for unread ones as far as
+/// they don't show a block.
 bool addShape(const OdDbEntity& entity, const OdGeMatrix3d& matrix, OdGeExtents3d& extents) {
     if (const auto* line = OdDbLine::cast(&entity)) {
         extents.addPoint(matrix * line->startPoint());
@@ -123,7 +136,7 @@ bool addShape(const OdDbEntity& entity, const OdGeMatrix3d& matrix, OdGeExtents3
         return true;
     }
     if (const auto* polyline = OdDbPolyline::cast(&entity)) return addPolyline(*polyline, matrix, extents);
-    if (const auto* text = OdDbText::cast(&entity)) return addText(*text, matrix, extents);
+    if (const auto* text = OdDbText::cast(&entity)) return addTextOrLines(*text, matrix, extents);
     if (const auto* text = OdDbMText::cast(&entity)) return addMText(*text, matrix, extents);
     if (const auto* point = OdDbPoint::cast(&entity)) {
         extents.addPoint(matrix * point->position());
@@ -149,7 +162,15 @@ bool addShape(const OdDbEntity& entity, const OdGeMatrix3d& matrix, OdGeExtents3
                  sweepOf(ellipse->startParam(), ellipse->endParam()), extents);
         return true;
     }
-    return false;
+    const auto* unread = OdDbUnreadEntity::cast(&entity);
+    return unread != nullptr && addRawShape(*unread, matrix, extents);
+}
+
+/// Whether an entity of a block shows in its references. Definitions don't, but constant ones that are
+/// visible.
+bool showsInReferences(const OdDbEntity& entity) {
+    const auto* definition = OdDbAttributeDefinition::cast(&entity);
+    return definition == nullptr || (definition->isConstant() && !definition->isInvisible());
 }
 
 OdGeMatrix3d linearPart(OdGeMatrix3d matrix) {
@@ -174,10 +195,29 @@ void addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& matr
     for (walk->start(); !walk->done(); walk->step()) addShape(*walk->entity().get(), matrix, extents);
 }
 
-/// The live block of a reference, or null.
-Node* blockOf(const OdDbBlockReference& reference) {
-    const OdDbObjectId id = reference.blockTableRecord();
-    return id.isValid() && id.node()->isLive() ? id.node() : nullptr;
+/// The live block that an entity shows, with its transform: that of a reference, the picture of a dimension
+/// or of a table. Null for an entity that shows none.
+Node* blockOf(const OdDbEntity& entity, OdGeMatrix3d& own) {
+    if (const auto* unread = OdDbUnreadEntity::cast(&entity)) return shownBlockOf(*unread, own);
+    const auto* reference = OdDbBlockReference::cast(&entity);
+    const OdDbObjectId id = reference != nullptr ? reference->blockTableRecord() : OdDbObjectId::kNull;
+    if (!id.isValid() || !id.node()->isLive()) return nullptr;
+    own = reference->blockTransform();
+    return id.node();
+}
+
+/// Adds a box in all places of an array. Those at its corners have all the others between them.
+void addCopies(const OdDbEntity& entity, const OdGeMatrix3d& matrix, const OdGeExtents3d& box,
+               OdGeExtents3d& extents) {
+    const auto* reference = OdDbBlockReference::cast(&entity);
+    if (reference == nullptr) return extents.addExtents(box);
+    for (const int column : {0, reference->columns() - 1})
+        for (const int row : {0, reference->rows() - 1}) {
+            if (box.isEmpty()) return;
+            const OdGeVector3d by = matrix * arrayShift(*reference, column, row);
+            extents.addPoint(box.minPoint() + by);
+            extents.addPoint(box.maxPoint() + by);
+        }
 }
 
 /// Boxes of one block under so many linear parts are kept; inner references beyond get the box of the block's
@@ -209,16 +249,17 @@ bool ExtentsFinder::isOnItsWay(const Node& block) const {
     return found != m_onTheirWay.end() && found->second != 0;
 }
 
-/// Adds an inner reference to its frame. False when its block's box must be found first, by `inner`.
-bool ExtentsFinder::stepInto(const OdDbBlockReference& reference, Frame& frame, Frame& inner) {
-    Node* const block = blockOf(reference);
+/// Adds what shows a block to its frame. False when the block's box must be found first, by `inner`.
+bool ExtentsFinder::stepInto(const OdDbEntity& entity, Node* block, const OdGeMatrix3d& own, Frame& frame,
+                             Frame& inner) {
     if (block != nullptr && !isOnItsWay(*block)) { // a block inside itself counts once
-        const OdGeMatrix3d place = frame.matrix * reference.blockTransform();
+        const OdGeMatrix3d place = frame.matrix * own;
         const bool exact = m_known.size() < kMostKnown;
         const OdGeMatrix3d linear = exact ? linearPart(place) : OdGeMatrix3d();
         const auto known = m_known.find(keyOf(*block, linearPart(place)));
+        OdGeExtents3d shown;
         if (known != m_known.end()) {
-            addMoved(known->second, shiftOf(place), frame.box);
+            addMoved(known->second, shiftOf(place), shown);
         } else {
             const Key key = keyOf(*block, linear);
             const auto box = m_known.find(key);
@@ -226,10 +267,12 @@ bool ExtentsFinder::stepInto(const OdDbBlockReference& reference, Frame& frame, 
                 inner = {key, linear, block->firstPart, {}};
                 return false;
             }
-            addCorners(box->second, place, frame.box);
+            addCorners(box->second, place, shown);
         }
+        addCopies(entity, frame.matrix, shown, frame.box);
     }
-    addAttributes(reference, frame.matrix, frame.box);
+    if (const auto* reference = OdDbBlockReference::cast(&entity))
+        addAttributes(*reference, frame.matrix, frame.box);
     return true;
 }
 
@@ -253,14 +296,16 @@ OdGeExtents3d ExtentsFinder::boxOf(Node& block, const OdGeMatrix3d& matrix) {
         }
         const auto* const entity =
             frame.next->isErased() ? nullptr : OdDbEntity::cast(data.bodyOf(frame.next));
-        if (const auto* reference = OdDbBlockReference::cast(entity)) {
+        OdGeMatrix3d own;
+        Node* const shown = entity != nullptr ? blockOf(*entity, own) : nullptr;
+        if (shown != nullptr || OdDbBlockReference::cast(entity) != nullptr) {
             Frame inner{};
-            if (!stepInto(*reference, frame, inner)) {
+            if (!stepInto(*entity, shown, own, frame, inner)) {
                 m_onTheirWay[inner.key.block] = 1;
-                m_frames.push_back(inner); // the reference has its turn again behind it
+                m_frames.push_back(inner); // the entity has its turn again behind it
                 continue;
             }
-        } else if (entity != nullptr) {
+        } else if (entity != nullptr && showsInReferences(*entity)) {
             addShape(*entity, frame.matrix, frame.box);
         }
         frame.next = frame.next->next;
@@ -268,20 +313,20 @@ OdGeExtents3d ExtentsFinder::boxOf(Node& block, const OdGeMatrix3d& matrix) {
     return box;
 }
 
-bool ExtentsFinder::addReference(const OdDbBlockReference& reference, OdGeExtents3d& extents) {
+bool ExtentsFinder::add(const OdDbEntity& entity, OdGeExtents3d& extents) {
+    const auto* reference = OdDbBlockReference::cast(&entity);
+    OdGeMatrix3d own;
+    Node* const block = blockOf(entity, own);
+    if (block == nullptr && reference == nullptr) return addShape(entity, OdGeMatrix3d(), extents);
     OdGeExtents3d box;
-    if (Node* const block = blockOf(reference)) {
-        const OdGeMatrix3d place = reference.blockTransform();
-        addMoved(boxOf(*block, linearPart(place)), shiftOf(place), box);
+    if (block != nullptr) {
+        OdGeExtents3d shown;
+        addMoved(boxOf(*block, linearPart(own)), shiftOf(own), shown);
+        addCopies(entity, OdGeMatrix3d(), shown, box);
     }
-    addAttributes(reference, OdGeMatrix3d(), box);
+    if (reference != nullptr) addAttributes(*reference, OdGeMatrix3d(), box);
     extents.addExtents(box);
     return !box.isEmpty();
-}
-
-bool ExtentsFinder::add(const OdDbEntity& entity, OdGeExtents3d& extents) {
-    if (const auto* reference = OdDbBlockReference::cast(&entity)) return addReference(*reference, extents);
-    return addShape(entity, OdGeMatrix3d(), extents);
 }
 
 namespace {
@@ -312,6 +357,9 @@ OdResult OdDbEllipse::getGeomExtents(OdGeExtents3d& extents) const {
     return extentsOf(*this, extents);
 }
 OdResult OdDbPolyline::getGeomExtents(OdGeExtents3d& extents) const {
+    return extentsOf(*this, extents);
+}
+OdResult OdDbUnreadEntity::getGeomExtents(OdGeExtents3d& extents) const {
     return extentsOf(*this, extents);
 }
 OdResult OdDbText::getGeomExtents(OdGeExtents3d& extents) const {

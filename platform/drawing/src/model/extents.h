@@ -11,6 +11,17 @@
 
 namespace lm::drawing {
 
+/// Adds center + a cos t + b sin t for t from `start` on, `sweep` radians far: the ends, and where the curve
+/// turns back along an axis.
+void addCurve(const OdGePoint3d& center, const OdGeVector3d& a, const OdGeVector3d& b, double start,
+              double sweep, OdGeExtents3d& extents);
+/// The way from one angle to another, counter-clockwise; all around when they are the same.
+double sweepOf(double from, double to);
+/// Adds a part of a polyline from `p` to `q` in a plane; `bulge` is the tangent of a quarter of its arc's
+/// angle.
+void addSegment(const OdGeMatrix3d& plane, const OdGePoint3d& p, const OdGePoint3d& q, double bulge,
+                OdGeExtents3d& extents);
+
 /// Finds boxes, and remembers those of blocks as long as it lives: nobody may change the drawing meanwhile.
 class ExtentsFinder {
 public:
@@ -38,9 +49,8 @@ private:
 
     static Key keyOf(Node& block, const OdGeMatrix3d& matrix);
     static void addMoved(const OdGeExtents3d& box, const OdGeVector3d& by, OdGeExtents3d& extents);
-    bool addReference(const OdDbBlockReference& reference, OdGeExtents3d& extents);
     OdGeExtents3d boxOf(Node& block, const OdGeMatrix3d& matrix);
-    bool stepInto(const OdDbBlockReference& reference, Frame& frame, Frame& inner);
+    bool stepInto(const OdDbEntity& entity, Node* block, const OdGeMatrix3d& own, Frame& frame, Frame& inner);
     bool isOnItsWay(const Node& block) const;
 
     std::unordered_map<Key, OdGeExtents3d, Hash> m_known;

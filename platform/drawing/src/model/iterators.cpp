@@ -96,6 +96,7 @@ OdSmartPtr<OdDbObjectIterator> attributesOf(const OdDbBlockReference& reference)
 }
 
 void moveReference(OdDbObjectId from, OdDbObjectId to, Node* reference) {
+    if (from == to) return; // it keeps its place among the references of the block
     OdDbBlockTableRecord* const left = recordOf(from);
     OdDbBlockTableRecord* const entered = recordOf(to);
     UndoRecord::Reference change{nullptr, 0, entered != nullptr ? to.node() : nullptr};

@@ -74,6 +74,16 @@ public:
             for (std::size_t i = 0; i < usedIn(p); ++i) visit(m_pieces[p]->nodes()[i]);
     }
 
+    /// The same for entries from a number on, counted in order of their making; gives the number of the next
+    /// one to be made.
+    template<class F>
+    std::size_t forEachFrom(std::size_t first, F&& visit) {
+        for (std::size_t p = first / kNodes; p < m_pieces.size(); ++p)
+            for (std::size_t i = p == first / kNodes ? first % kNodes : 0; i < usedIn(p); ++i)
+                visit(m_pieces[p]->nodes()[i]);
+        return m_pieces.empty() ? 0 : (m_pieces.size() - 1) * kNodes + m_used;
+    }
+
     /// Pieces begin at multiples of their size, so an entry finds the head of its piece.
     static constexpr std::size_t kPiece = std::size_t{1} << 20;
     struct Head {

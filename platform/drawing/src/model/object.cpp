@@ -36,8 +36,23 @@ OdDbHandle OdDbObjectId::getHandle() const noexcept {
 }
 
 namespace {
+
 const Node* g_refusesWriting = nullptr; // belongs to the host's thread, like every opening
+
+/// Whether a chain of extended data only deletes what an object doesn't have.
+bool deletesNothing(const OdDbObject& object, const OdResBuf* chain) {
+    constexpr int kApplication = 1001;
+    bool nothing = true;
+    for (const OdResBuf* at = chain; nothing && at != nullptr; at = at->next().get()) {
+        if (at->restype() != kApplication) return false;
+        ObjectAccess::forEachApplication(object, [&, gone = at->getString()](const OdString& there) {
+            nothing = nothing && there != gone;
+        });
+    }
+    return nothing;
 }
+
+} // namespace
 
 namespace lm::drawing {
 void refuseWriting(OdDbObjectId id) noexcept {
@@ -164,6 +179,7 @@ OdResult OdDbObject::erase(bool erasing) {
     if (m_node->isErased() == erasing) return eOk;
     // Who hears that an object went has heard before that it came.
     if ((m_flags & kNew) != 0) tellClosed();
+    if (m_node->isErased() == erasing) return eOk; // one of them was faster
     DatabaseData& data = m_node->database()->data();
     data.undo.file(m_node, lm::drawing::UndoRecord::Erase());
     m_node->flags ^= Node::kErased;
@@ -243,6 +259,10 @@ void OdDbObject::storeXData(OdSmartPtr<OdResBuf> chain, bool keepLone) {
     constexpr int kApplication = 1001;
     if (chain.isNull()) return;
     if (chain->restype() != kApplication) throw OdError(eInvalidInput);
+    if (!keepLone && deletesNothing(*this, chain.get())) {
+        assertWriteEnabled(false, false);
+        return;
+    }
     beginChange();
     m_flags |= kXDataChanged;
     std::vector<XData>& all = changeableXData();

@@ -23,8 +23,8 @@ public:
         useReferencedBlocks();
         if (m_left.empty()) return;
         for (const FixedEntries& f = m_data.fixed;
-             Node * table :
-             {f.blockTable, f.layerTable, f.linetypeTable, f.styleTable, f.dimstyleTable, f.viewportTable})
+             Node * table : {f.blockTable, f.layerTable, f.linetypeTable, f.styleTable, f.dimstyleTable,
+                             f.viewportTable, f.appTable})
             foldNames(table);
         useHeader();
         m_data.nodes.forEach([this](Node& node) {
@@ -115,8 +115,10 @@ private:
 
     /// The objects that a node refers to. Its owner isn't among them, nor what it owns.
     void useOf(Node& node) {
-        const bool frame = node.kind == kKindBlock || node.kind == kKindEndblk || node.kind == kKindTable;
-        if (frame || node.has(Node::kGone) || !node.isLive() || node.handle == 0) return;
+        if (node.has(Node::kGone) || !node.isLive() || node.handle == 0) return;
+        if (node.kind == kKindBlock || node.kind == kKindEndblk) useLayer(node);
+        if (node.kind == kKindBlock || node.kind == kKindEndblk || node.kind == kKindTable) return;
+        useXData(node);
         // References are known by the lists of their blocks, and further classes that are read refer to no
         // block.
         const bool read = isReadKind(static_cast<Kind>(node.kind)) && !mayNameBlocks(node);
@@ -130,6 +132,27 @@ private:
         if (const auto* dictionary = OdDbDictionary::cast(&body)) useEntries(*dictionary, node);
         if (const auto* record = OdDbXrecord::cast(&body)) useChain(*record);
         if (!namesById) useGroups(node, body);
+    }
+    /// The layer of the entry that begins or ends a block.
+    void useLayer(const Node& frame) {
+        constexpr int kLayer = 8;
+        const GroupSpan span = groupsOf(m_data, frame);
+        forEachGroupIn(span, [&](const Group& group, const char*, const char*) {
+            if (group.code != kLayer) return true;
+            bool bad = false;
+            useName(span.form->decoder.decode(group.raw(), bad));
+            return false;
+        });
+    }
+    /// Applications, layers and handles in extended data.
+    void useXData(Node& node) {
+        constexpr int kApplication = 1001, kLayer = 1003, kHandleData = 1005;
+        if (m_data.bodyOf(&node) == nullptr || !ObjectAccess::hasXData(*node.body)) return;
+        for (OdSmartPtr<OdResBuf> at = node.body->xData(OdString()); !at.isNull(); at = at->next()) {
+            if (at->restype() == kApplication || at->restype() == kLayer) useName(at->getString());
+            if (at->restype() == kHandleData)
+                use(m_data.handles.find(OdDbHandle(at->getString().c_str()).value()));
+        }
     }
     static bool isAbove(const Node* owner, const Node& node) {
         for (const Node* at = &node; at != nullptr; at = at->owner)
@@ -153,17 +176,15 @@ private:
                 use(m_data.handles.find(OdDbHandle(at->getString().c_str()).value()));
         }
     }
-    /// Handles and names in what isn't read. Of the handles, hard ones protect an object from being purged,
-    /// as the DXF reference tells; soft ones, such as the layers that a viewport has frozen, don't. What
-    /// belongs to an object doesn't use it either.
+    /// Handles and names in what isn't read: soft handles too, such as the layers that a viewport has frozen,
+    /// since a handle that leads nowhere is damage. What belongs to an object doesn't use it.
     void useGroups(const Node& node, const OdDbObject& body) {
         const GroupSpan span = groupsOf(m_data, node);
         if (span.isEmpty()) return;
         const std::string_view kind = m_data.kinds.name(node.kind);
         forEachHandle(span, kind, [this, &node](const RawHandle& handle) {
-            const bool soft = handle.code < 340 || (handle.code >= 350 && handle.code <= 359);
             const Node* const target = m_data.handles.find(handle.handle);
-            if (handle.place == HandlePlace::kField && !soft && !isAbove(target, node)) use(target);
+            if (handle.place == HandlePlace::kField && !isAbove(target, node)) use(target);
             return true;
         });
         if (!body.isKindOf(OdDbUnreadEntity::desc()) && node.kind != kKindDimstyle) return;
@@ -171,11 +192,6 @@ private:
             bool bad = false;
             useName(span.form->decoder.decode(bytes, bad));
         });
-        // Dimensions and leaders have what differs from their style there.
-        constexpr int kHandleData = 1005;
-        for (OdSmartPtr<OdResBuf> at = body.xData(odText("ACAD")); !at.isNull(); at = at->next())
-            if (at->restype() == kHandleData)
-                use(m_data.handles.find(OdDbHandle(at->getString().c_str()).value()));
     }
 
     DatabaseData& m_data;

@@ -3,6 +3,7 @@
 
 #include "model/databasedata.h"
 #include "model/iterators.h"
+#include "model/pictures.h"
 
 #include "drawing/curves.h"
 
@@ -138,14 +139,8 @@ void stretchMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
 /// The picture of a dimension as a reference to its block; null for another entity.
 OdSmartPtr<OdDbBlockReference> pictureOf(const OdDbEntity& entity, const OdDbDatabase* database) {
     const RawPointer raw = rawGroupsOf(entity);
-    if (!raw || database == nullptr || !raw->kind().ends_with("DIMENSION")) return {};
-    const DatabaseData& data = database->data();
-    Node* block = nullptr;
-    forEachName(raw->span(), raw->kind(), [&](int code, std::string_view bytes) {
-        bool bad = false;
-        if (code == 2)
-            block = data.tableRecord(data.fixed.blockTable, raw->form()->decoder.decode(bytes, bad));
-    });
+    if (!raw || database == nullptr || !isDimension(raw->kind())) return {};
+    Node* const block = pictureBlock(*raw.get(), database->data());
     if (block == nullptr) return {};
     OdSmartPtr<OdDbBlockReference> picture = madeLike<OdDbBlockReference>(entity);
     picture->setBlockTableRecord(OdDbObjectId(block));
@@ -169,7 +164,8 @@ void stretchText(OdDbText& text, const OdGeMatrix3d& matrix) {
     const double height = std::fabs(rising.dotProduct(y));
     if (height == 0) return;
     text.setPosition(map * text.position());
-    text.setAlignmentPoint(map * text.alignmentPoint());
+    if (!text.isDefaultAlignment() || text.alignmentPoint() != OdGePoint3d())
+        text.setAlignmentPoint(map * text.alignmentPoint());
     text.setRotation(std::atan2(direction.y, direction.x));
     text.setOblique(std::atan2(rising.dotProduct(x), height));
     text.setWidthFactor(text.widthFactor() * step / height);
@@ -178,8 +174,38 @@ void stretchText(OdDbText& text, const OdGeMatrix3d& matrix) {
     text.setNormal(normal);
 }
 
+void stretchWithLines(OdDbText& text, const OdGeMatrix3d& matrix) {
+    stretchText(text, matrix);
+    OdSmartPtr<OdDbMText> lines;
+    if (const auto* attribute = OdDbAttribute::cast(&text)) lines = attribute->getMTextAttribute();
+    if (const auto* definition = OdDbAttributeDefinition::cast(&text))
+        lines = definition->getMTextAttributeDefinition();
+    if (!lines.isNull()) stretchMText(*lines.get(), matrix);
+}
+
+OdGeVector3d arrayShift(const OdDbBlockReference& reference, int column, int row) {
+    return OdGeMatrix3d::planeToWorld(reference.normal()) *
+           (OdGeMatrix3d::rotationZ(reference.rotation()) *
+            OdGeVector3d(column * reference.columnSpacing(), row * reference.rowSpacing(), 0));
+}
+
+namespace {
+
+/// Stretches the distances of an array by a transform of its reference, which stands at its new place.
+void stretchArray(OdDbBlockReference& reference, const OdGeVector3d& column, const OdGeVector3d& row,
+                  const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d now =
+        OdGeMatrix3d::planeToWorld(reference.normal()) * OdGeMatrix3d::rotationZ(reference.rotation());
+    ObjectAccess::stretchArray(reference, (matrix * column).dotProduct(now * OdGeVector3d::kXAxis),
+                               (matrix * row).dotProduct(now * OdGeVector3d::kYAxis));
+}
+
+} // namespace
+
 void placeReference(OdDbBlockReference& reference, const OdGeMatrix3d& place,
                     const OdGeMatrix3d& attributes) {
+    const OdGeMatrix3d axes =
+        OdGeMatrix3d::planeToWorld(reference.normal()) * OdGeMatrix3d::rotationZ(reference.rotation());
     OdGePoint3d origin;
     if (const auto* block = OdDbBlockTableRecord::cast(reference.blockTableRecord().openObject().get()))
         origin = block->origin();
@@ -194,11 +220,12 @@ void placeReference(OdDbBlockReference& reference, const OdGeMatrix3d& place,
     const bool mirrored = normal.dotProduct(x.crossProduct(y)) < 0;
     reference.setScaleFactors({x.length(), mirrored ? -y.length() : y.length(), z.length()});
     reference.setPosition(toPlane * (place * origin));
+    stretchArray(reference, axes * OdGeVector3d::kXAxis, axes * OdGeVector3d::kYAxis, attributes);
     const OdSmartPtr<OdDbObjectIterator> walk = attributesOf(reference);
     for (walk->start(); !walk->done(); walk->step()) {
         const OdSmartPtr<OdDbEntity> attribute = walk->entity();
         if (attribute->transformBy(attributes) == eOk) continue;
-        if (auto* text = OdDbText::cast(attribute.get())) stretchText(*text, attributes);
+        if (auto* text = OdDbText::cast(attribute.get())) stretchWithLines(*text, attributes);
     }
 }
 
@@ -228,7 +255,7 @@ void addPieces(OdSmartPtr<OdDbEntity> entity, const OdDbDatabase* database, cons
         placeReference(*picture.get(), matrix, matrix);
         pieces.append(picture);
     } else {
-        if (auto* text = OdDbText::cast(entity.get())) stretchText(*text, matrix);
+        if (auto* text = OdDbText::cast(entity.get())) stretchWithLines(*text, matrix);
         if (auto* text = OdDbMText::cast(entity.get())) stretchMText(*text, matrix);
         pieces.append(entity);
     }

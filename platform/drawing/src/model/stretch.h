@@ -11,6 +11,12 @@ namespace lm::drawing {
 /// readable.
 void stretchText(OdDbText& text, const OdGeMatrix3d& matrix);
 
+/// Moves a text by any transform, and its multi-line form where it has one.
+void stretchWithLines(OdDbText& text, const OdGeMatrix3d& matrix);
+
+/// How far the copy of an array in a column and a row, counted from 0, stands from the first one.
+OdGeVector3d arrayShift(const OdDbBlockReference& reference, int column, int row);
+
 /// Places a reference so that blockTransform becomes `place`, as far as a reference can: its axes keep
 /// directions and lengths along the x axis, and a leaning of the others is dropped. Attributes move by
 /// `attributes`.

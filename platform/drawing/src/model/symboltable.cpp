@@ -163,7 +163,7 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
 }
 
 OdResult OdDbSymbolTableRecord::erase(bool erasing) {
-    if (isDBRO() && !erasing) {
+    if (isDBRO() && !erasing && isErased()) {
         if (!isWriteEnabled()) throw OdError(eNotOpenForWrite); // before the names of the table change
         auto* table = static_cast<OdDbSymbolTable*>(database()->data().bodyOf(objectId().node()->owner));
         const OdDbObjectId there = table->getAt(m_name);

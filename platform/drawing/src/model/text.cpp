@@ -96,13 +96,35 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     if (!plane.isUniform()) return eNotApplicable;
     beginChange();
     m_position = plane.point(m_position);
-    m_alignment = plane.point(m_alignment);
+    // A text that stands by its position has no second point in most files, and gets none by moving.
+    if (!isDefaultAlignment() || m_alignment != OdGePoint3d()) m_alignment = plane.point(m_alignment);
     m_rotation = plane.angle(m_rotation);
     m_height *= plane.factor();
     m_thickness *= plane.factor();
     m_normal = plane.normal();
     return eOk;
 }
+
+namespace {
+
+/// The contents of a multi-line text that show a text: its codes stand for themselves.
+OdString contentsOf(const OdString& text) {
+    lm::WideString out;
+    const lm::WideView view = text.view();
+    for (std::size_t i = 0; i < view.size(); ++i) {
+        const lm::WideChar unit = view[i];
+        if (unit == '\r' && i + 1 < view.size() && view[i + 1] == '\n') continue;
+        if (unit == '\n') {
+            out += lm::WideString{'\\', 'P'};
+            continue;
+        }
+        if (unit == '\\' || unit == '{' || unit == '}') out.push_back('\\');
+        out.push_back(unit);
+    }
+    return OdString(lm::WideView(out));
+}
+
+} // namespace
 
 OdDbAttribute::OdDbAttribute() = default;
 OdDbAttribute::~OdDbAttribute() = default;
@@ -133,6 +155,18 @@ OdDbAttribute& OdDbAttribute::operator=(const OdDbAttribute& other) {
     m_fieldLength = other.m_fieldLength;
     m_attributeFlags = other.m_attributeFlags;
     return *this;
+}
+
+void OdDbAttribute::setTextString(const OdString& text) {
+    const bool same = text == textString();
+    OdDbText::setTextString(text);
+    if (m_mtext != nullptr && !same) m_mtext->setContents(contentsOf(text));
+}
+
+OdResult OdDbAttribute::transformBy(const OdGeMatrix3d& matrix) {
+    const OdResult result = OdDbText::transformBy(matrix);
+    if (result == eOk && m_mtext != nullptr) m_mtext->transformBy(matrix);
+    return result;
 }
 
 void OdDbAttribute::setTag(const OdString& tag) {
@@ -174,6 +208,18 @@ OdDbAttributeDefinition& OdDbAttributeDefinition::operator=(const OdDbAttributeD
     m_fieldLength = other.m_fieldLength;
     m_attributeFlags = other.m_attributeFlags;
     return *this;
+}
+
+void OdDbAttributeDefinition::setTextString(const OdString& text) {
+    const bool same = text == textString();
+    OdDbText::setTextString(text);
+    if (m_mtext != nullptr && !same) m_mtext->setContents(contentsOf(text));
+}
+
+OdResult OdDbAttributeDefinition::transformBy(const OdGeMatrix3d& matrix) {
+    const OdResult result = OdDbText::transformBy(matrix);
+    if (result == eOk && m_mtext != nullptr) m_mtext->transformBy(matrix);
+    return result;
 }
 
 void OdDbAttributeDefinition::setTag(const OdString& tag) {
@@ -256,12 +302,15 @@ OdResult OdDbMText::transformBy(const OdGeMatrix3d& matrix) {
     if (!plane.isUniform()) return eNotApplicable;
     beginChange();
     m_location = matrix * m_location;
-    m_direction = matrix * m_direction;
-    const double length = m_direction.length();
-    if (length > 0) m_direction = m_direction * (1 / length);
-    m_rotation = plane.angle(m_rotation);
-    m_height *= plane.factor();
-    m_width *= plane.factor();
+    if (m_rotation != 0 && m_direction == OdGeVector3d::kXAxis) {
+        m_rotation = plane.angle(m_rotation); // the direction stays the one that doesn't count
+    } else {
+        m_direction = matrix * m_direction;
+        const double length = m_direction.length();
+        if (length > 0) m_direction = m_direction * (1 / length);
+    }
+    for (double* const size : {&m_height, &m_width, &m_shownWidth, &m_shownHeight, &m_frameHeight})
+        *size *= plane.factor();
     m_normal = plane.normal();
     return eOk;
 }

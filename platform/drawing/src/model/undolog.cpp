@@ -3,7 +3,7 @@
 
 #include "model/databasedata.h"
 
-#include <unordered_set>
+#include <unordered_map>
 
 namespace lm::drawing {
 
@@ -218,15 +218,32 @@ void UndoLog::swap(UndoRecord& record, bool back) {
 std::vector<UndoLog::Told> UndoLog::eventsOf(const Records& records, bool back) const {
     std::vector<Told> events;
     if (!m_data.events.isAnybodyThere()) return events;
-    std::unordered_set<const Node*> changed; // several images of one object are one change to others
+    // Others hear what became of an object on the whole: several images are one change, marks that cancel
+    // each other out are none, and what came in the step comes or goes once.
+    struct Sum {
+        bool came = false;
+        bool marked = false;
+        bool changed = false;
+    };
+    std::unordered_map<const Node*, Sum> sums;
+    for (const UndoRecord& record : records) {
+        if (std::holds_alternative<UndoRecord::Append>(record.change)) sums[record.node].came = true;
+        if (std::holds_alternative<UndoRecord::Erase>(record.change)) sums[record.node].marked ^= true;
+    }
     const auto add = [&](const UndoRecord& record) {
-        if (std::holds_alternative<UndoRecord::Append>(record.change))
+        const bool append = std::holds_alternative<UndoRecord::Append>(record.change);
+        const bool mark = std::holds_alternative<UndoRecord::Erase>(record.change);
+        if (!append && !mark && !std::holds_alternative<UndoRecord::State>(record.change)) return;
+        Sum& sum = sums[record.node];
+        if (append) {
             events.push_back({record.node, back ? Told::kUnAppended : Told::kReAppended});
-        else if (std::holds_alternative<UndoRecord::Erase>(record.change))
+        } else if (mark && sum.marked && !(sum.came && back)) {
             events.push_back({record.node, Told::kErased});
-        else if (std::holds_alternative<UndoRecord::State>(record.change) &&
-                 changed.insert(record.node).second)
+            sum.marked = false;
+        } else if (!mark && !sum.came && !sum.changed) {
             events.push_back({record.node, Told::kChanged});
+            sum.changed = true;
+        }
     };
     if (back)
         std::for_each(records.rbegin(), records.rend(), add);

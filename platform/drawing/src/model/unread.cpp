@@ -4,6 +4,7 @@
 #include "dxf/read.h"
 #include "model/databasedata.h"
 #include "model/names.h"
+#include "model/pictures.h"
 #include "model/rawtransform.h"
 
 using lm::drawing::Node;
@@ -61,11 +62,16 @@ OdResult OdDbUnreadEntity::transformBy(const OdGeMatrix3d& matrix) {
     if (!raw) return eNotApplicable;
     const lm::drawing::RawMover mover(matrix, *raw.get());
     if (!mover.canMove()) return eNotApplicable;
-    std::vector<OdDbEntity*> parts;
-    forEachResidentPart(*this, [&](OdDbEntity& part) { parts.push_back(&part); });
-    if (m_parts)
-        for (const OdSmartPtr<OdDbEntity>& part : *m_parts) parts.push_back(part.get());
+    // The picture of a dimension stands where it is seen, in a block that a copy outside can't have.
+    if (lm::drawing::isDimension(raw->kind()) && !isDBRO()) return eNotApplicable;
+    const std::vector<OdDbEntity*> parts = ObjectAccess::partsOf(*this);
     beginChange();
+    if (lm::drawing::isDimension(raw->kind())) {
+        Node* const picture = lm::drawing::ownPictureOf(*this, *raw.get());
+        ObjectAccess::setRaw(*this, mover.moved(*raw.get(), picture));
+        if (picture != nullptr) lm::drawing::movePicture(*picture, matrix);
+        return eOk;
+    }
     ObjectAccess::setRaw(*this, mover.moved(*raw.get()));
     for (OdDbEntity* part : parts) {
         const lm::drawing::RawPointer groups = lm::drawing::rawGroupsOf(*part);
@@ -79,6 +85,14 @@ OdResult OdDbUnreadEntity::transformBy(const OdGeMatrix3d& matrix) {
 }
 
 namespace lm::drawing {
+
+std::vector<OdDbEntity*> ObjectAccess::partsOf(const OdDbUnreadEntity& entity) {
+    std::vector<OdDbEntity*> parts;
+    forEachResidentPart(entity, [&](OdDbEntity& part) { parts.push_back(&part); });
+    if (entity.m_parts)
+        for (const OdSmartPtr<OdDbEntity>& part : *entity.m_parts) parts.push_back(part.get());
+    return parts;
+}
 
 void ObjectAccess::addPart(OdDbUnreadEntity& entity, OdSmartPtr<OdDbEntity> part) {
     if (!entity.m_parts) entity.m_parts = std::make_unique<OdDbUnreadEntity::Parts>();

@@ -5,8 +5,12 @@
 
 #include "system/wide.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+
+struct stat;
 
 namespace lm::system {
 
@@ -47,10 +51,29 @@ private:
 /// How a reading ended.
 enum class FileStatus { kRead, kNotFound, kUnreadable, kDirectory, kChanged, kStopped };
 
+/// What tells one state of a file from another: where it lies, how large it is and when its content changed.
+struct FileStamp {
+    std::uint64_t device = 0, inode = 0, size = 0;
+    std::int64_t seconds = 0, nanoseconds = 0;
+    bool operator==(const FileStamp&) const = default;
+};
+
 struct FileOutcome {
     FileStatus status = FileStatus::kRead;
     std::string reason; ///< the system's words for kUnreadable
+    FileStamp stamp{};  ///< of what was read
 };
+
+/// The stamp of what a native path leads to; nothing where there is no file.
+LM_SYSTEM_API std::optional<FileStamp> stampOf(const std::string& path);
+LM_SYSTEM_API FileStamp stampOf(const struct ::stat& status);
+
+/// The native path with all links followed. The file itself needn't exist; a link to no file gives the name
+/// that it leads to. Where that can't be found out, the path as it is.
+LM_SYSTEM_API std::string resolvedPath(const std::string& path);
+
+/// Whether two native paths lead to one file, or to the name of one that doesn't exist yet.
+LM_SYSTEM_API bool isSameFile(const std::string& a, const std::string& b);
 
 /// Reads a file whole. `onPart` is told after each part how many bytes are there now, and stops the reading
 /// by answering false. A file whose size or time of change differs after the reading gives kChanged. `path`

@@ -8,7 +8,7 @@
 //     out.commit();
 #pragma once
 
-#include "system/export.h"
+#include "system/file.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -96,6 +96,9 @@ public:
     /// std::logic_error.
     void commit();
 
+    /// The stamp of the file that commit() put in place.
+    const FileStamp& stamp() const { return m_stamp; }
+
 private:
     enum class State { kOpen, kFailed, kCommitted };
 
@@ -120,6 +123,7 @@ private:
     std::uint64_t m_size = 0;
     int m_folder = -1;
     int m_file = -1;
+    FileStamp m_stamp;
     State m_state = State::kOpen;
     SaveStep m_failedStep = SaveStep::kInspect;
     int m_error = 0;
