@@ -209,6 +209,7 @@ double CommandInput::number(std::string_view prompt, double otherwise) {
     double value = answer.number;
     if (answer.kind != Answer::kNumber && !(answer.kind == Answer::kText && numberOf(answer.text, value)))
         refuse(prompt, answer, "a number");
+    if (!std::isfinite(value)) refuse(prompt, answer, "a number that isn't infinite");
     return value;
 }
 
@@ -237,6 +238,8 @@ bool CommandInput::pointOrNothing(std::string_view prompt, OdGePoint3d& point) {
     if (m_document->database() != nullptr && !isRelative)
         m_document->database()->coordinates().toDrawing(point);
     if (isRelative) point = m_document->lastPoint() + point.asVector();
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || !std::isfinite(point.z))
+        refuse(prompt, answer, "a point that isn't infinitely far away");
     m_document->setLastPoint(point);
     return true;
 }

@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "host/database.h"
 
+#include "host/session.h"
+#include "system/wide.h"
+
 #include <map>
 
 namespace {
+
+/// What a reactor raised where nobody could take it goes to the log.
+void logDropped(const OdString& reason) {
+    if (CHostSession* const session = hostSession()) session->log(lm::drawing::odText("reactor : ") + reason);
+}
 
 struct Numbers {
     std::map<unsigned long long, CHostDatabase*> living;
@@ -12,7 +20,10 @@ struct Numbers {
 
 // Never destroyed: a database may end while the process ends.
 Numbers& numbers() {
-    static Numbers& table = *new Numbers;
+    static Numbers& table = *[] {
+        lm::drawing::setDroppedExceptionHandler(logDropped);
+        return new Numbers;
+    }();
     return table;
 }
 
@@ -43,6 +54,11 @@ CHostDatabase* CHostDatabase::byNumber(unsigned long long number) {
 OdDbObjectId CHostDatabase::GetActiveViewportId(OdDbObjectId) const {
     const OdSmartPtr<OdDbSymbolTable> table(getViewportTableId().openObject());
     if (table.isNull()) return OdDbObjectId::kNull;
-    const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
-    return walk->done() ? OdDbObjectId::kNull : walk->getRecordId();
+    const OdString active = lm::drawing::odText("*Active");
+    // Saved arrangements of viewports stand in the same table, before or behind it.
+    for (const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator(); !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbSymbolTableRecord> record = walk->getRecord();
+        if (lm::system::equalsNoCase(record->getName().view(), active.view())) return walk->getRecordId();
+    }
+    return OdDbObjectId::kNull;
 }

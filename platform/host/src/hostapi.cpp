@@ -100,7 +100,7 @@ int CHostAPI::GetObjectId(const unsigned long long name[2], OdDbObjectId& id) co
 }
 
 int CHostAPI::GetADSName(OdDbObjectId id, unsigned long long name[2]) const {
-    const CHostDatabase* database = CHostDatabase::cast(id.database());
+    const CHostDatabase* database = id.isValid() ? CHostDatabase::cast(id.database()) : nullptr;
     if (database == nullptr) return RTERROR;
     name[0] = id.getHandle().value();
     name[1] = database->number();

@@ -3,6 +3,8 @@
 
 #include "libraryfile.h"
 
+#include "host/script.h"
+
 #include <algorithm>
 #include <dlfcn.h>
 #include <exception>
@@ -19,19 +21,6 @@ using GetVersion = void (*)(unsigned int&, unsigned int&, unsigned int&, unsigne
 
 constexpr std::string_view kSuffix = ".tx";
 
-/// What an exception says. To be called while it is handled.
-std::string textOfException() {
-    try {
-        throw;
-    } catch (const OdError& error) {
-        return lm::drawing::utf8(error.description());
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "an exception of another kind";
-    }
-}
-
 /// Runs module code. The exception is over when this returns, so that the library that it came from can be
 /// let go.
 template<class Call>
@@ -40,7 +29,7 @@ bool runs(Call call, std::string& thrown) {
         call();
         return true;
     } catch (...) {
-        thrown = textOfException();
+        thrown = describeCurrentException();
         return false;
     }
 }

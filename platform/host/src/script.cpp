@@ -134,12 +134,28 @@ void ScriptRunner::fail(int line, const std::string& what) {
     if (m_options.error) m_options.error(line, oneLine(what));
 }
 
+namespace {
+
+/// Whether the exception that is being handled says that a drawing couldn't be written.
+bool isFailedSave() {
+    try {
+        throw;
+    } catch (const OdError& error) {
+        return error.code() == eFilerError;
+    } catch (...) {
+        return false;
+    }
+}
+
+} // namespace
+
 template<class Act>
 void ScriptRunner::guarded(int line, Act act) {
     if (m_options.step) m_options.step(true);
     try {
         act();
     } catch (...) {
+        m_hasFailedSave = m_hasFailedSave || isFailedSave();
         fail(line, describeCurrentException());
         m_reader->skipLine();
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of commands share: a drawing to work on, and the calls that reactors got, as lines.
+// What the tests of commands share: a drawing to work on, code that runs as a command, and the calls that
+// reactors got, as lines.
 #pragma once
 
 #include "hostsupport.h"
@@ -84,6 +85,38 @@ public:
 private:
     Lines m_lines;
     lm::host::EventLog m_log;
+};
+
+inline OdEdCommandStack& stack() {
+    return *odedRegCmds();
+}
+
+/// Runs code as a command of a document.
+inline int run(CHostDocument& document, const char* name, OdEdCommand::Body body,
+               OdEdCommand::Kind kind = OdEdCommand::kOrdinary) {
+    return lm::host::runAsCommand(&document, OdString(name), std::move(body), kind);
+}
+
+/// Writes down the calls of the stack, and does more on request.
+class Watcher : public OdEdCommandStackReactor {
+public:
+    explicit Watcher(Lines& lines, std::string name = "") : m_lines(lines), m_name(std::move(name)) {
+        stack().addReactor(this);
+    }
+    ~Watcher() override { stack().removeReactor(this); }
+    void commandWillStart(OdEdCommand* c, OdEdCommandContext* x) override { note("start", c, x); }
+    void commandEnded(OdEdCommand* c, OdEdCommandContext* x) override { note("ended", c, x); }
+    void commandCancelled(OdEdCommand* c, OdEdCommandContext* x) override { note("cancelled", c, x); }
+    void commandFailed(OdEdCommand* c, OdEdCommandContext* x) override { note("failed", c, x); }
+    std::function<void(const std::string& what, OdEdCommandContext* context)> also;
+
+private:
+    void note(const std::string& what, OdEdCommand* command, OdEdCommandContext* context) {
+        m_lines.push_back(m_name + what + " " + utf8(command->globalName()));
+        if (also) also(what, context);
+    }
+    Lines& m_lines;
+    std::string m_name;
 };
 
 } // namespace lm::test

@@ -40,6 +40,19 @@ TEST_F(LispLimits, EndlessLoopsEndWithTheTime) {
     }
 }
 
+// The clock is looked at every so many steps, and a loop can go round in step with that: its time may be up
+// in the middle of the message about an error that it catches.
+TEST_F(LispLimits, LoopsThatOnlyCatchErrorsEndWithTheTime) {
+    lisp.setTimeLimit(0.01);
+    std::string list;
+    for (int i = 0; i < 32; ++i) {
+        list += " G";
+        const std::string program = "(while t (vl-catch-all-apply '(" + list + " () (h t))))";
+        EXPECT_GT(5.0, seconds(program)) << program;
+        EXPECT_EQ("error: time limit reached", last.substr(0, 25)) << program;
+    }
+}
+
 TEST_F(LispLimits, TimeBeginsAnewWithEachEvaluation) {
     lisp.setTimeLimit(0.5);
     for (int i = 0; i < 4; ++i) {

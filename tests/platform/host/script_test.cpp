@@ -18,10 +18,13 @@ public:
             errors.push_back(std::to_string(line) + ": " + what);
         };
         const ConsoleCapture console;
-        failures = lm::host::ScriptRunner(text, options).run();
+        lm::host::ScriptRunner runner(text, options);
+        failures = runner.run();
+        hasFailedSave = runner.hasFailedSave();
         output = console.text();
     }
     std::size_t failures = 0;
+    bool hasFailedSave = false;
     Lines errors;
     std::string output;
 };
@@ -52,8 +55,10 @@ TEST(Script, TakesEachBlankAndEachLineEndAsTheEndOfAnAnswer) {
 
 TEST(Script, TakesQuotedAnswersWithBlanks) {
     const Drawing drawing;
-    EXPECT_EQ(Lines(), Ran("_LAYER N \"a b\\c\" \n").errors);
-    EXPECT_FALSE(drawing.layerCalled("a b\\c").isNull());
+    EXPECT_EQ(Lines(), Ran("_LAYER N \"a b\" \n").errors);
+    EXPECT_FALSE(drawing.layerCalled("a b").isNull());
+    // A backslash arrives as it is; it is no part of a name.
+    EXPECT_EQ((Lines{"1: no valid name \"a b\\c\""}), Ran("_LAYER N \"a b\\c\" \n").errors);
     EXPECT_EQ((Lines{"1: the quoted answer isn't closed"}), Ran("_LAYER N \"a b\n").errors);
 }
 
@@ -226,6 +231,17 @@ TEST(Script, RunsNestedCommandsOfExpressionsAndTakesTheirPartBackWhenTheyFail) {
         "(progn (command \"_COPY\" \"ALL\" \"\" '(0 0) '(5 0) \"\") (command \"_ERASE\" \"ALL\"))\n");
     ASSERT_EQ(1u, ran.errors.size());
     EXPECT_EQ(2u, drawing.entities().size());
+}
+
+TEST(Script, TellsWhetherADrawingCouldNotBeWritten) {
+    const Drawing drawing;
+    const TemporaryFolder folder;
+    const std::string bad = (folder.path() / "none" / "x.dxf").string();
+    EXPECT_TRUE(Ran("_SAVEAS \"" + bad + "\"\n(car 5)\n").hasFailedSave);
+    EXPECT_TRUE(Ran("(command \"_SAVEAS\" \"" + bad + "\")\n").hasFailedSave);
+    const Ran other("(car 5)\n_NOSUCH\n_OPEN \"" + bad + "\"\n");
+    EXPECT_EQ(3u, other.failures);
+    EXPECT_FALSE(other.hasFailedSave) << "nothing of these was a write";
 }
 
 } // namespace

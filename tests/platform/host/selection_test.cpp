@@ -305,6 +305,34 @@ TEST(Crossing, LeavesTheSetAsItWasWhenNothingIsChosen) {
     EXPECT_EQ((std::vector<OdDbObjectId>{far, circle}), set->ids());
 }
 
+TEST(Crossing, ReachesKindsThatAreNotReadByTheirExtents) {
+    const auto entity = [](const std::string& kind, const std::string& groups) {
+        return "0\n" + kind + "\n100\nAcDbEntity\n8\n0\n100\nAcDbX\n" + groups;
+    };
+    const TemporaryFolder folder;
+    const std::string path = folder.file(
+        "kinds.dxf",
+        "0\nSECTION\n2\nENTITIES\n" +
+            entity("SOLID", "10\n0.0\n20\n0.0\n11\n1.0\n21\n0.0\n12\n0.0\n22\n1.0\n13\n1.0\n23\n1.0\n") +
+            entity("SPLINE", "70\n8\n71\n3\n10\n10.0\n20\n0.0\n30\n0.0\n10\n12.0\n20\n5.0\n30\n0.0\n") +
+            "0\nPOLYLINE\n8\n0\n66\n1\n70\n0\n0\nVERTEX\n8\n0\n10\n20.0\n20\n0.0\n0\nVERTEX\n8\n0\n10\n25."
+            "0\n20\n0."
+            "0\n0\nSEQEND\n8\n0\n" +
+            entity("3DSOLID", "1\ntext\n") + "0\nENDSEC\n0\nEOF\n");
+    Documents documents;
+    CHostDocument* const document = documents.manager.openDocument(odPath(path));
+    const std::unique_ptr<CHostSelectionSet> set(document->newSelectionSet());
+    const auto chosen = [&](const OdGePoint3d& first, const OdGePoint3d& second) {
+        set->crossing(first, second, document->view(), nullptr);
+        return set->size();
+    };
+    EXPECT_EQ(1u, chosen({0.4, 0.4, 0}, {0.6, 0.6, 0}));
+    EXPECT_EQ(1u, chosen({11, 4, 0}, {30, 9, 0}));
+    EXPECT_EQ(1u, chosen({21, -1, 0}, {22, 1, 0}));
+    EXPECT_EQ(3u, chosen({-99, -99, 0}, {99, 99, 0})) << "nobody knows where the body is";
+    EXPECT_EQ(RTERROR, set->crossing({50, 50, 0}, {60, 60, 0}, document->view(), nullptr));
+}
+
 TEST(Crossing, ChoosesNothingWithoutADatabase) {
     Documents documents;
     const std::unique_ptr<CHostSelectionSet> set(

@@ -41,6 +41,8 @@ public:
 
     /// Runs the script to its end; gives the number of failures.
     std::size_t run();
+    /// Whether one of the failures was that of a command that couldn't write the drawing's file.
+    bool hasFailedSave() const { return m_hasFailedSave; }
 
 private:
     void runExpression(const std::string& text, int line);
@@ -53,6 +55,7 @@ private:
     std::unique_ptr<ScriptReader> m_reader;
     ScriptOptions m_options;
     std::size_t m_failures = 0;
+    bool m_hasFailedSave = false;
 };
 
 /// One line about the exception that is being handled: its text, or that it has none. To be called in a

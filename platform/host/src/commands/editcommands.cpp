@@ -2,6 +2,12 @@
 // Commands on chosen entities: _ERASE, _MOVE, _COPY, _EXPLODE.
 #include "hostcommands.h"
 
+#include "drawing/finite.h"
+#include "drawing/blockreference.h"
+
+#include <map>
+#include <set>
+
 namespace lm::host {
 
 namespace {
@@ -20,6 +26,38 @@ OdSmartPtr<OdDbEntity> changeable(OdDbObjectId id) {
     return OdSmartPtr<OdDbEntity>(entity);
 }
 
+/// Counts what a command leaves as it is, and says so in one line: "can't be moved: 2 3DSOLID, 1 REGION".
+class LeftOut {
+public:
+    /// An entity counts once, however often it is left out.
+    void add(const OdDbEntity& entity, OdDbObjectId id) {
+        if (m_known.insert(id.getHandle().value()).second) ++m_kinds[lm::drawing::utf8(entity.dxfName())];
+    }
+    bool isEmpty() const { return m_kinds.empty(); }
+    void tell(const char* what) const {
+        if (m_kinds.empty()) return;
+        tellUser("can't be " + std::string(what) + ": " + text());
+    }
+    std::string text() const {
+        std::string line;
+        for (const auto& [kind, count] : m_kinds)
+            line += (line.empty() ? "" : ", ") + std::to_string(count) + " " + kind;
+        return line;
+    }
+
+private:
+    std::set<std::uint64_t> m_known;
+    std::map<std::string, std::size_t> m_kinds;
+};
+
+bool isIdentity(const OdGeMatrix3d& matrix) {
+    const OdGeMatrix3d identity;
+    for (int row = 0; row < 4; ++row)
+        for (int column = 0; column < 4; ++column)
+            if (matrix.entry[row][column] != identity.entry[row][column]) return false;
+    return true;
+}
+
 void erase(OdEdCommandContext& context) {
     documentOf(context);
     for (const OdDbObjectId id : context.input().selection(kSelect)) {
@@ -36,16 +74,28 @@ OdGeVector3d displacement(CommandInput& input) {
     return input.pointOrNothing("Second point", target) ? target - base : base.asVector();
 }
 
+/// Moves an entity; false for one that can't be moved. Raises CommandFailed where it would end infinitely far
+/// away; what came so from a file is moved as far as it goes.
+bool isMoved(OdDbEntity& entity, const OdGeMatrix3d& matrix) {
+    const bool wasFinite = lm::drawing::isFinite(entity);
+    if (entity.transformBy(matrix) != eOk) return false;
+    if (wasFinite) requireFinite(entity);
+    return true;
+}
+
 void move(OdEdCommandContext& context) {
     documentOf(context);
     const std::vector<OdDbObjectId> ids = context.input().selection(kSelect);
     if (ids.empty()) return;
     const OdGeMatrix3d matrix = OdGeMatrix3d::translation(displacement(context.input()));
+    LeftOut leftOut;
     for (const OdDbObjectId id : ids) {
         context.checkTime();
-        if (const OdSmartPtr<OdDbEntity> entity = changeable(id); !entity.isNull())
-            entity->transformBy(matrix);
+        if (const OdSmartPtr<OdDbEntity> entity = changeable(id);
+            !entity.isNull() && !isMoved(*entity, matrix))
+            leftOut.add(*entity, id);
     }
+    leftOut.tell("moved");
 }
 
 /// Ends a transaction: by committing when told so, else by aborting.
@@ -72,8 +122,10 @@ private:
     bool m_isOpen = true;
 };
 
-/// Copies one entity in a transaction of its own and enters the pairs into `all`.
-void copyOne(OdDbDatabase& database, OdDbObjectId id, const OdGeVector3d& by, OdDbIdMapping& all) {
+/// Copies one entity in a transaction of its own and enters the pairs into `all`. A copy that can't be moved
+/// would lie on what it was copied from: it is taken back and counted.
+void copyOne(OdDbDatabase& database, OdDbObjectId id, const OdGeVector3d& by, OdDbIdMapping& all,
+             LeftOut& leftOut) {
     const OdSmartPtr<OdDbObject> source = id.openObject();
     if (source.isNull()) return;
     SmallTransaction transaction(database);
@@ -82,13 +134,16 @@ void copyOne(OdDbDatabase& database, OdDbObjectId id, const OdGeVector3d& by, Od
     OdArray<OdDbObjectId> one;
     one.append(id);
     database.deepCloneObjects(one, source->ownerId(), *pairs);
-    for (const OdDbIdPair& pair : pairs->pairs()) all.assign(pair);
     OdDbIdPair clone(id);
     if (pairs->compute(clone)) {
         const OdSmartPtr<OdDbObject> opened = clone.value().openObject(OdDb::kForWrite);
-        if (OdDbEntity* const entity = OdDbEntity::cast(opened.get()))
-            entity->transformBy(OdGeMatrix3d::translation(by));
+        OdDbEntity* const entity = OdDbEntity::cast(opened.get());
+        if (entity != nullptr && !isMoved(*entity, OdGeMatrix3d::translation(by))) {
+            leftOut.add(*entity, id);
+            return;
+        }
     }
+    for (const OdDbIdPair& each : pairs->pairs()) all.assign(each);
     transaction.commit();
 }
 
@@ -110,15 +165,37 @@ void copy(OdEdCommandContext& context) {
     const OdGePoint3d base = input.point("Base point");
     OdGePoint3d target;
     bool isFirst = true;
+    LeftOut leftOut;
     for (bool given = input.pointOrNothing("Second point", target); given || isFirst;
          given = input.pointOrNothing("Second point", target)) {
         for (const OdDbObjectId id : ids) {
             context.checkTime();
-            copyOne(database, id, given ? target - base : base.asVector(), *mapping);
+            copyOne(database, id, given ? target - base : base.asVector(), *mapping, leftOut);
         }
         isFirst = false;
         if (!given) break;
     }
+    leftOut.tell("copied");
+}
+
+/// What a reference shows and can't be taken along by its transform: it would come out where it stands in the
+/// block. A dimension comes out as its picture then.
+LeftOut unmovableIn(const OdDbBlockReference& reference) {
+    LeftOut all;
+    const OdSmartPtr<OdDbBlockTableRecord> block(reference.blockTableRecord().openObject());
+    const OdGeMatrix3d matrix = reference.blockTransform();
+    if (block.isNull() || (isIdentity(matrix) && reference.columns() == 1 && reference.rows() == 1))
+        return all;
+    const OdSmartPtr<OdDbObjectIterator> walk = block->newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> entity = walk->entity();
+        if (OdDbUnreadEntity::cast(entity.get()) == nullptr) continue;
+        const OdSmartPtr<OdDbEntity> copy(static_cast<OdDbEntity*>(entity->clone()), lm::drawing::kAttach);
+        const std::string kind = lm::drawing::utf8(entity->dxfName());
+        if (!kind.ends_with("DIMENSION") && copy->transformBy(matrix) != eOk)
+            all.add(*entity, walk->objectId());
+    }
+    return all;
 }
 
 void explodeOne(OdDbObjectId id) {
@@ -130,8 +207,17 @@ void explodeOne(OdDbObjectId id) {
                  lm::drawing::utf8(id.getHandle().ascii()));
         return;
     }
+    if (const auto* reference = OdDbBlockReference::cast(entity.get()))
+        if (const LeftOut held = unmovableIn(*reference); !held.isEmpty()) {
+            tellUser("can't be exploded: " + lm::drawing::utf8(entity->dxfName()) + " " +
+                     lm::drawing::utf8(id.getHandle().ascii()) + ", which holds " + held.text());
+            return;
+        }
     const OdSmartPtr<OdDbBlockTableRecord> owner(entity->ownerId().openObject(OdDb::kForWrite));
-    for (const OdSmartPtr<OdDbEntity>& piece : pieces) owner->appendOdDbEntity(piece);
+    for (const OdSmartPtr<OdDbEntity>& piece : pieces) {
+        owner->appendOdDbEntity(piece);
+        requireFinite(*piece);
+    }
     entity->erase(true);
 }
 

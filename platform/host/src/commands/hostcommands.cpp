@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "hostcommands.h"
 
+#include "drawing/finite.h"
+#include "drawing/recordsearch.h"
 #include "host/session.h"
 
 namespace lm::host {
@@ -28,6 +30,17 @@ CHostDocument& documentOf(const OdEdCommandContext& context) {
 
 OdString wideText(std::string_view utf8) {
     return OdString(lm::WideView(lm::system::fromUtf8(utf8)));
+}
+
+void requireName(const std::string& name) {
+    if (!lm::drawing::isValidName(lm::system::fromUtf8(name)))
+        throw CommandFailed("no valid name \"" + name + "\"");
+}
+
+void requireFinite(const OdDbEntity& entity) {
+    if (lm::drawing::isFinite(entity)) return;
+    throw CommandFailed("a number of " + lm::drawing::utf8(entity.dxfName()) + " " +
+                        lm::drawing::utf8(entity.objectId().getHandle().ascii()) + " would be infinite");
 }
 
 void tellUser(std::string_view utf8) {

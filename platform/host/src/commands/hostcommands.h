@@ -28,6 +28,11 @@ void addCommand(OdEdCommandStack& stack, const char* name, void (*body)(OdEdComm
 CHostDocument& documentOf(const OdEdCommandContext& context);
 
 OdString wideText(std::string_view utf8);
+/// Raises CommandFailed for a name that no record may be given.
+void requireName(const std::string& name);
+/// Raises CommandFailed when an entity holds a number that no drawing can hold; the command is taken back
+/// then.
+void requireFinite(const OdDbEntity& entity);
 /// A line on the console.
 void tellUser(std::string_view utf8);
 

@@ -3,6 +3,7 @@
 #include "hostcommands.h"
 
 #include "drawing/blockreference.h"
+#include "drawing/recordsearch.h"
 #include "host/services.h"
 #include "../readdatabase.h"
 #include "system/path.h"
@@ -39,16 +40,18 @@ OdDbObjectId insertFile(OdDbDatabase& database, const std::string& name, const s
 /// A block of the drawing, a file's path, or "name=path" for a file under another name.
 OdDbObjectId blockFor(OdDbDatabase& database, const std::string& given) {
     const OdSmartPtr<OdDbSymbolTable> blocks(database.getBlockTableId().openObject());
-    if (const OdDbObjectId id = blocks->getAt(wideText(given)); !id.isNull()) return id;
+    if (const OdDbObjectId id = lm::drawing::recordCalled(*blocks, wideText(given)); !id.isNull()) return id;
     const std::size_t equals = given.find('=');
     const bool isNamed = equals != std::string::npos && equals != 0 && isFile(given.substr(equals + 1));
     const std::string path = isNamed ? given.substr(equals + 1) : given;
     if (!isFile(path)) throw CommandFailed("no block and no file \"" + given + "\"");
     const std::string name = isNamed ? given.substr(0, equals) : blockNameOf(path);
-    if (const OdDbObjectId id = blocks->getAt(wideText(name)); !id.isNull()) return id;
+    if (const OdDbObjectId id = lm::drawing::recordCalled(*blocks, wideText(name)); !id.isNull()) return id;
+    requireName(name);
     return insertFile(database, name, path);
 }
 
+/// An attribute with a value; an empty one takes the default, of a multi-line definition with its formatting.
 OdSmartPtr<OdDbAttribute> attributeFrom(const OdDbAttributeDefinition& definition, const OdString& value,
                                         const OdGeMatrix3d& matrix) {
     OdSmartPtr<OdDbAttribute> attribute(new OdDbAttribute, lm::drawing::kAttach);
@@ -59,12 +62,11 @@ OdSmartPtr<OdDbAttribute> attributeFrom(const OdDbAttributeDefinition& definitio
     if (definition.isMTextAttributeDefinition()) {
         const OdSmartPtr<OdDbMText> given = definition.getMTextAttributeDefinition();
         const OdSmartPtr<OdDbMText> lines(static_cast<OdDbMText*>(given->clone()), lm::drawing::kAttach);
-        lines->setContents(value);
         lines->transformBy(matrix);
         attribute->setMTextAttribute(lines);
     }
     attribute->setAttributeFromBlock(&definition, matrix);
-    attribute->setTextString(value);
+    if (!value.isEmpty()) attribute->setTextString(value);
     return attribute;
 }
 
@@ -79,8 +81,7 @@ void addAttributes(CommandInput& input, OdDbBlockReference& reference, const OdD
         if (definition == nullptr || definition->isConstant()) continue;
         const OdString& prompt = definition->prompt().isEmpty() ? definition->tag() : definition->prompt();
         const std::string value = input.text(lm::drawing::utf8(prompt));
-        reference.appendAttribute(
-            attributeFrom(*definition, value.empty() ? definition->textString() : wideText(value), matrix));
+        reference.appendAttribute(attributeFrom(*definition, wideText(value), matrix));
     }
 }
 
@@ -103,6 +104,7 @@ void insert(OdEdCommandContext& context) {
     reference->setBlockTableRecord(blockId);
     reference->setLayer(database.getCLAYER());
     addAttributes(input, *reference, *block);
+    requireFinite(*reference);
 }
 
 } // namespace

@@ -2,9 +2,13 @@
 // _LAYER: makes layers and sets their state; its options go on until an empty answer.
 #include "hostcommands.h"
 
+#include "drawing/recordsearch.h"
 #include "drawing/wildcard.h"
 
+#include <algorithm>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace lm::host {
 
@@ -17,18 +21,37 @@ OdSmartPtr<OdDbSymbolTable> layersOf(OdDbDatabase& database) {
 }
 
 OdDbObjectId layerCalled(OdDbDatabase& database, const std::string& name) {
-    const OdDbObjectId id = layersOf(database)->getAt(wideText(name));
+    const OdDbObjectId id = lm::drawing::recordCalled(*layersOf(database), wideText(name));
     if (id.isNull()) throw CommandFailed("no layer \"" + name + "\"");
     return id;
 }
 
 void makeLayer(OdDbDatabase& database, const std::string& name) {
     const OdSmartPtr<OdDbSymbolTable> layers = layersOf(database);
-    if (layers->has(wideText(name))) return;
+    if (!lm::drawing::recordCalled(*layers, wideText(name)).isNull()) return;
+    requireName(name);
     const OdSmartPtr<OdDbLayerTableRecord> layer(new OdDbLayerTableRecord, lm::drawing::kAttach);
     layer->setName(wideText(name));
     layers->upgradeOpen();
     layers->add(layer);
+}
+
+/// The names of an answer, which commas separate. None of them may be empty.
+std::vector<std::string> namesOf(const std::string& answer) {
+    std::vector<std::string> names;
+    for (std::size_t from = 0; from <= answer.size();) {
+        const std::size_t comma = std::min(answer.find(',', from), answer.size());
+        names.push_back(answer.substr(from, comma - from));
+        from = comma + 1;
+    }
+    for (const std::string& name : names) requireName(name);
+    return names;
+}
+
+/// Makes the layers of an answer. A layer of a file may have a comma in its name; it is meant before others.
+void makeLayers(OdDbDatabase& database, const std::string& answer) {
+    if (!lm::drawing::recordCalled(*layersOf(database), wideText(answer)).isNull()) return;
+    for (const std::string& name : namesOf(answer)) makeLayer(database, name);
 }
 
 void setCurrent(OdDbDatabase& database, OdDbObjectId layer) {
@@ -44,8 +67,8 @@ void forLayers(OdDbDatabase& database, const std::string& pattern,
     const OdSmartPtr<OdDbSymbolTableIterator> walk = layersOf(database)->newIterator();
     for (; !walk->done(); walk->step()) {
         const OdSmartPtr<OdDbLayerTableRecord> layer(walk->getRecord());
-        if (!odutWcMatch(layer->getName(), wideText(pattern)) &&
-            layer->getName() != wideText(pattern)) // a name that holds signs of the pattern language
+        if (!odutWcMatch(layer->getName(), wideText(pattern)) && // or a name that holds signs of patterns
+            !lm::system::equalsNoCase(layer->getName().view(), wideText(pattern).view()))
             continue;
         layer->upgradeOpen();
         change(*layer);
@@ -68,7 +91,7 @@ void run(OdDbDatabase& database, int option, const std::string& name) {
     case kSet:
         return setCurrent(database, layerCalled(database, name));
     case kNew:
-        return makeLayer(database, name);
+        return makeLayers(database, name);
     case kOn:
     case kOff:
         return forLayers(database, name, [option](Layer& layer) { layer.setIsOff(option == kOff); });

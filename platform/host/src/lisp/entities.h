@@ -5,6 +5,8 @@
 #include "document.h"
 #include "entityname.h"
 
+#include "drawing/dictionary.h"
+
 namespace lm::host::lisp {
 
 /// An entity name among the arguments; raises LispError for any other value.
@@ -16,5 +18,8 @@ OdSmartPtr<OdDbObject> openNamed(Machine& machine, const EntityName& name,
 
 /// Objects whose name is no entity name are no entities: the id of a live entity, else null.
 OdDbObjectId liveEntity(Machine& machine, const EntityName& name);
+
+/// Whether a dictionary is one that every drawing needs.
+bool isNeededDictionary(const OdDbDatabase& database, const OdDbDictionary& object);
 
 } // namespace lm::host::lisp

@@ -5,6 +5,7 @@
 #include "points.h"
 
 #include "drawing/drawing.h"
+#include "drawing/recordsearch.h"
 #include "drawing/partwalk.h"
 
 #include <cmath>
@@ -132,6 +133,9 @@ Value getLayer(Machine& machine, const OdDbObject& object) {
 }
 bool setLayer(const FieldTarget& target, const Value& value) {
     if (!value.isText() || value.text().empty()) return false;
+    // A layer that is there may have come from a file under any name.
+    const bool isNew = recordNamed(target.database.getLayerTableId(), value.text()).isNull();
+    if (isNew && !lm::drawing::isValidName(value.text())) return false;
     if (target.apply) {
         const OdDbObjectId layer = ensureLayer(target.database, OdString(WideView(value.text())));
         static_cast<OdDbEntity&>(target.object).setLayer(layer);

@@ -68,7 +68,11 @@ OdSmartPtr<OdResBuf> recordOfPair(const Value& pair);
 /// The record of a name in a table, or the null id.
 OdDbObjectId recordNamed(OdDbObjectId table, WideView name);
 
-/// The layer of a name, which is made when it is new.
+/// The same for a name that something is to be made or called by: a record whose name differs in its case only
+/// is taken for it, as other programs do.
+OdDbObjectId recordToUse(OdDbObjectId table, WideView name);
+
+/// The layer of a name in either case, which is made when it is new.
 OdDbObjectId ensureLayer(OdDbDatabase& database, const OdString& name);
 
 } // namespace lm::host::lisp

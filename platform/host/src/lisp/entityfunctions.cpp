@@ -63,8 +63,8 @@ Value entmod(Machine& machine, Arguments a) {
 /// Entities, and what stands in dictionaries; records of tables go by commands.
 bool isErasable(const OdDbDatabase& database, const OdDbObject& object) {
     if (OdDbEntity::cast(&object) != nullptr || OdDbXrecord::cast(&object) != nullptr) return true;
-    return OdDbDictionary::cast(&object) != nullptr &&
-           object.objectId() != database.getNamedObjectsDictionaryId();
+    const auto* dictionary = OdDbDictionary::cast(&object);
+    return dictionary != nullptr && !isNeededDictionary(database, *dictionary);
 }
 
 // Erases, or brings back what was erased.

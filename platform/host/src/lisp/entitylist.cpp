@@ -373,9 +373,27 @@ bool applyOnce(const FieldTarget& target, const std::vector<const Field*>& field
     return true;
 }
 
+/// Whether a drawing can hold the numbers of a pair.
+bool isFinitePair(const Value& pair) {
+    if (!pair.isCons()) return true;
+    const Value& value = pair.cdr();
+    if (value.isNumber()) return std::isfinite(value.number());
+    int parts = 0;
+    for (const Value* at = &value; at->isCons() && parts < 3; at = &at->cdr(), ++parts)
+        if (at->car().isNumber() && !std::isfinite(at->car().number())) return false;
+    return true;
+}
+
+bool isFiniteList(const Value& list) {
+    for (const Value* at = &list; at->isCons(); at = &at->cdr())
+        if (!isFinitePair(at->car())) return false;
+    return true;
+}
+
 } // namespace
 
 bool applyList(Machine& machine, OdDbDatabase& database, OdDbObject& object, const Value& list) {
+    if (!isFiniteList(list)) return false;
     const std::vector<const Field*> fields = fieldsOf(object);
     return applyOnce({machine, database, object, false}, fields, list) &&
            applyOnce({machine, database, object, true}, fields, list);

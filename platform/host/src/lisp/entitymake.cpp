@@ -8,6 +8,7 @@
 
 #include "drawing/drawing.h"
 #include "drawing/partwalk.h"
+#include "drawing/recordsearch.h"
 
 namespace lm::host::lisp {
 
@@ -103,7 +104,8 @@ private:
         if (!name.isText() || name.text().empty() || blocks.isNull()) return Value();
         const bool anonymous = name.text()[0] == '*';
         const OdString wanted = anonymous ? freeBlockName(*blocks) : OdString(WideView(name.text()));
-        const OdDbObjectId known = blocks->getAt(wanted);
+        const OdDbObjectId known = lm::drawing::recordCalled(*blocks, wanted);
+        if (known.isNull() && !anonymous && !lm::drawing::isValidName(wanted.view())) return Value();
         if (known.isNull()) {
             const OdSmartPtr<OdDbBlockTableRecord> block = made<OdDbBlockTableRecord>();
             block->setName(wanted);
@@ -134,7 +136,8 @@ private:
         const Value name = valueOfCode(m_list, 2);
         const OdSmartPtr<OdDbSymbolTable> table(tableId.openObject(OdDb::kForWrite));
         if (!name.isText() || name.text().empty() || table.isNull()) return Value();
-        if (table->has(OdString(WideView(name.text()))) || !apply(*record)) return Value();
+        const bool isTaken = !lm::drawing::recordCalled(*table, OdString(WideView(name.text()))).isNull();
+        if (isTaken || !apply(*record)) return Value();
         return nameValue(m_machine, table->add(record));
     }
 

@@ -46,7 +46,7 @@ fs::path nativeName(Machine& machine, const WideString& name) {
 }
 
 WideString nameOf(const fs::path& path) {
-    return system::fromUtf8(path.native());
+    return system::pathText(path.native());
 }
 
 fs::path findFile(Machine& machine, const WideString& name) {

@@ -168,8 +168,10 @@ WideString printedShort(Machine& machine, const Value& value) {
         text.resize(kMost);
         return text + system::widen("...");
     } catch (const LongEnough&) {
-    } catch (const LispError&) {
-        // A message about an error matters more than the limits that the value's text would meet.
+    } catch (const LispError& error) {
+        // A message about an error matters more than the memory that the value's text would take. But a
+        // program whose time is up must not go on because it was busy with a message at that moment.
+        if (!error.catchable) throw;
     }
     WideString text = printer.take();
     if (text.size() > kMost) text.resize(kMost);

@@ -6,6 +6,7 @@
 
 #include "drawing/drawing.h"
 #include "drawing/partwalk.h"
+#include "drawing/recordsearch.h"
 
 namespace lm::host::lisp {
 
@@ -26,15 +27,18 @@ bool isFixed(const OdDbDatabase& database, const OdDbObject& object) {
     const OdDbObjectId id = object.objectId();
     return (block != nullptr && block->isLayout()) || id == database.getLayerZeroId() ||
            id == database.getLinetypeByBlockId() || id == database.getLinetypeByLayerId() ||
-           id == database.getLinetypeContinuousId();
+           id == database.getLinetypeContinuousId() || id == database.getTextStyleStandardId();
 }
 
 bool setName(const FieldTarget& target, const Value& value) {
     if (!value.isText() || value.text().empty()) return false;
     auto& changed = static_cast<OdDbSymbolTableRecord&>(target.object);
     const OdString name{WideView(value.text())};
-    const bool taken = target.object.isDBRO() && !recordNamed(target.object.ownerId(), value.text()).isNull();
+    const OdDbObjectId known =
+        target.object.isDBRO() ? recordToUse(target.object.ownerId(), value.text()) : OdDbObjectId();
+    const bool taken = !known.isNull() && known != target.object.objectId();
     if (taken || isFixed(target.database, target.object)) return changed.getName() == name;
+    if (!lm::drawing::isValidName(value.text())) return false;
     if (target.apply) changed.setName(name);
     return true;
 }
@@ -179,8 +183,14 @@ OdDbObjectId recordNamed(OdDbObjectId table, WideView name) {
     return records == nullptr ? OdDbObjectId() : records->getAt(OdString(name));
 }
 
+OdDbObjectId recordToUse(OdDbObjectId table, WideView name) {
+    const OdSmartPtr<OdDbObject> object = table.openObject();
+    const auto* records = OdDbSymbolTable::cast(object.get());
+    return records == nullptr ? OdDbObjectId() : lm::drawing::recordCalled(*records, OdString(name));
+}
+
 OdDbObjectId ensureLayer(OdDbDatabase& database, const OdString& name) {
-    const OdDbObjectId known = recordNamed(database.getLayerTableId(), name.view());
+    const OdDbObjectId known = recordToUse(database.getLayerTableId(), name.view());
     if (!known.isNull()) return known;
     const OdSmartPtr<OdDbSymbolTable> layers(database.getLayerTableId().openObject(OdDb::kForWrite));
     const OdSmartPtr<OdDbLayerTableRecord> layer(new OdDbLayerTableRecord(), lm::drawing::kAttach);

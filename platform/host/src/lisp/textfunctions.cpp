@@ -2,6 +2,7 @@
 // Texts: joining, cutting, case, searching. Positions count units of 16 bits.
 #include "machine.h"
 
+#include "drawing/recordsearch.h"
 #include "drawing/wildcard.h"
 
 #include <algorithm>
@@ -98,13 +99,7 @@ Value fromList(Machine& machine, Arguments a) {
 Value isValidName(Machine& machine, Arguments a) {
     const WideString& text = machine.textAt(a, 0);
     const bool barAllowed = a.size() > 1 && machine.integerAt(a, 1) != 0;
-    constexpr std::size_t kLongest = 255;
-    static const WideString kRefused = system::widen("<>/\\\":;?*,=`");
-    if (text.empty() || text.size() > kLongest) return Value();
-    for (const WideChar unit : text)
-        if (unit < ' ' || kRefused.find(unit) != WideString::npos || (unit == '|' && !barAllowed))
-            return Value();
-    return machine.truth();
+    return machine.boolean(lm::drawing::isValidName(text, barAllowed));
 }
 
 const Builtin kTexts[] = {
