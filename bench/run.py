@@ -172,6 +172,40 @@ def changes():
     report("read a LISP symbol", times["readSymbol"], 1000, "ns")
 
 
+def links():
+    times = timed("lm_bench_links")
+    slowest = max(times[name] for name in times if name.startswith("followLink"))
+    report("getObjIdEsquema, the slowest kind of link", slowest, 500, "ns")
+    report("reassociaBlocos over 10,000 pairs", times["mendCopy"] / 1e6, 100, "ms")
+
+
+def symbols():
+    times = timed("lm_bench_symbols")
+    report("InserirBloco of a block that is there, 8 attributes", times["insertKnownBlock"] / 1e3, 15, "us")
+    report("RedefinirBloco, 10,000 references, 8 attributes", times["redefineBlock"] / 1e6, 500, "ms")
+    report("BuscarBlocos of 10,000 references, 8 attributes", times["listBlocks"] / 1e6, 60, "ms")
+    report("BuscarBlocos3, time for an attribute at 10,000 references, times that at 1,000",
+           times["searchByValue/10000/8"] / times["searchByValue/1000/8"], 2, "times")
+    report("prompts, time for an attribute of 512, times that of 8", times["readPrompts/512"] / times["readPrompts/8"],
+           3, "times")
+
+
+def attributes():
+    times = timed("lm_bench_attributes")
+    report("AtualizarAtributo, 8 attributes, without a change", times["updateWithoutChange"], 600, "ns")
+    report("AtualizarAtributo, 8 attributes, written as a step of undo", times["updateWithUndo"] / 1e3, 2, "us")
+    report("AtualizarAtributos of 8 records, all written, undo on", times["updateByList"] / 1e3, 10, "us")
+    report("AtualizarAtributos of 8 records without a change", times["updateByListWithoutChange"] / 1e3, 10, "us")
+
+
+def pages():
+    times = timed("lm_bench_pages")
+    slowest = max(times[name] for name in times if name.startswith("walkFor"))
+    report("a page setting at the end of 100,000 entities", slowest / 1e6, 6, "ms")
+    slowest = max(times[name] for name in times if name.startswith("writeOnTheFirstCarrier"))
+    report("a page setting written on the first of 100,000 entities", slowest / 1e3, 5, "us")
+
+
 def converting():
     text, middle = drawing("L"), drawing("M")
     target = os.path.join(DATA, "written.dxf")
@@ -190,7 +224,8 @@ if __name__ == "__main__":
     if not os.path.exists(os.path.join(SHARED, "tools", "make_drawing.py")):
         sys.exit("shared drawings not found: %s has no tools/make_drawing.py" % SHARED)
     parts = (("processes", whole_processes), ("operations", operations), ("changes", changes),
-             ("converting", converting), ("ezdxf", against_ezdxf))
+             ("attributes", attributes), ("links", links), ("pages", pages), ("symbols", symbols), ("converting", converting),
+             ("ezdxf", against_ezdxf))
     wanted = sys.argv[1:] or [name for name, _ in parts]
     for name, part in parts:
         if name in wanted:

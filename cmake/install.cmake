@@ -20,6 +20,7 @@ install(DIRECTORY "${CMAKE_SOURCE_DIR}/tx/LMCommonMFC/" DESTINATION "include/LMC
         FILES_MATCHING PATTERN "*.h"
         PATTERN "log.h" EXCLUDE
         PATTERN "module_entry.h" EXCLUDE
+        PATTERN "icad_carrier.h" EXCLUDE
         PATTERN "icad_detail.h" EXCLUDE
         PATTERN "ceheap.h" EXCLUDE)
 

@@ -17,6 +17,7 @@
 #include "cad/cebloco.h"
 #include "cad/celistaatributos.h"
 #include "export.h"
+#include "text/cemap.h"
 #include "text/rzid.h"
 #include "text/rzstring.h"
 
@@ -25,6 +26,7 @@
 #include "drawing/dictionary.h"
 #include "drawing/idmapping.h"
 #include "drawing/symboltable.h"
+#include "framework/values/clist.h"
 
 #include <list>
 #include <map>
@@ -38,11 +40,19 @@ class CHostDocument;
 ///
 /// What isn't there is told by the result. Members that report, in every form of theirs:
 ///   attributes   SearchAttribute, SearchAttributes, SearchAttributesConst, GetPrompt, getAttPosicaoPto,
-///                SearchAttributeVirtual
+///                SearchAttributeVirtual, AtualizarAtributos, AtualizarAtributoVirtual,
+///                AtualizarAtributosVirtual
 ///   blocks       ExisteBloco, GetNomeBloco
 ///   variables    all of them
 ///   stored data  updateXData, updateXDataHandle, convertXDataType, removeXdata, getNamedDic
+///   links        getObjIdEsquema, reassociaBlocos, buscaCircuitoLocal of an object,
+///                buscaTodosBlocosComCircuitoLocal
+///   symbols      InserirBloco, CriarAtributos, canInsert, explodeEntitiesToLayer, tudoParaLayerZero,
+///                RedefinirBloco, RedefinirBlocos
 ///   layers       ApagarEntidadesLayer, GetLayers, GetLayerCorrente, SetLayerCorrente, RenomearLayer
+///   pages        GetNumeracaoPaginas, SetNumeracaoPaginas, GetOrdemGrupos, SetOrdemGrupos, GetOrdemPaginas,
+///                SetOrdemPaginas, GetPaineisDefinidos, SetPaineisDefinidos
+///   project      getVersaoProjeto, setVersaoProjeto, GetCfgProjeto, SetCfgProjeto of a name, getKeyNorma
 /// An OdError or a standard exception out of these is written to the log behind the member's name, as in
 /// "CICad::GetPrompt : reason", and raised again; members that call each other write a line each. Out of the
 /// other members it passes without a line of their own. What was being filled is gone then, but for a block
@@ -118,6 +128,40 @@ public:
     CEAtributo* getAttPosicaoPto(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos* lista,
                                  OdGePoint3d ponto);
 
+    // --- Update of the attributes of references ---
+    //
+    // These write values into attributes that are there and only where something differs; none makes or
+    // erases an attribute. Reactors hear of the attribute alone, never of its reference.
+
+    /// Writes the text of the first attribute of exactly this tag, case counting, unless it is exactly
+    /// `valor`. True when there is such an attribute, written or not; false for null.
+    bool AtualizarAtributo(OdSmartPtr<OdDbBlockReference> ref, RZString tag, RZString valor);
+    /// The same with the invisibility: both are written when one of them differs.
+    bool AtualizarAtributo(OdSmartPtr<OdDbBlockReference> ref, RZString tag, RZString valor, bool invisivel);
+    /// The same as the first for the first attribute whose tag is in the list, ignoring case; its text is
+    /// compared exactly.
+    bool AtualizarAtributo(OdSmartPtr<OdDbBlockReference> ref, RZStringList tags, RZString valor);
+    /// Open the reference for write; false for any other object and for none.
+    bool AtualizarAtributo(RZID id, RZString tag, RZString valor);
+    bool AtualizarAtributo(RZID id, RZStringList tags, RZString valor);
+    /// The same for an xrecord too, whose virtual attribute is updated. True for an object of either class
+    /// even when the attribute isn't there; false for any other.
+    bool AtualizarAtributo(RZID id, RZString tag, RZString valor, bool invisivel);
+    /// Writes each record of a list into each attribute of its tag, ignoring case, in the order of the
+    /// attributes and then of the list, so that of equal tags every attribute ends with the last record. A
+    /// write is due when the value differs ignoring case, so that a change of case alone isn't written, or
+    /// the invisibility differs, even where only `atualizarInvisivel` would have it written. Each write is
+    /// told on its own, and counted in `alterados` unless that is null; nobody sets the count to 0. Opens the
+    /// attributes for write. False for a null reference, else true; a null list counts as empty. What was
+    /// written before a failure stays.
+    bool AtualizarAtributos(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos* lista,
+                            bool atualizarInvisivel, int* alterados);
+    /// Opens the reference for write; an object of another class raises OdError_NotThatKindOfClass.
+    bool AtualizarAtributos(RZID id, CEListaAtributos* lista, bool atualizarInvisivel, int* alterados);
+    /// Writes the text of an attribute by its own id unless it is exactly `valor`. False when that is no
+    /// attribute.
+    bool SetValorAtributo(RZID id, RZString valor);
+
     // --- Virtual attributes: lines of extended data ---
 
     /// The line of exactly this tag, or null. A line with fewer than three fields gives empty ones.
@@ -143,6 +187,20 @@ public:
     /// one with an equal value replaces the earlier. Null when no name matched; a block without the attribute
     /// isn't entered.
     std::map<lm::WideString, CEBloco*>* BuscarBlocosVirtuais(RZString padrao, RZString tagChave);
+
+    /// Rewrites the first line that begins with a tag, ignoring case; the tag is in capitals from then on.
+    /// "TAG" also finds the line of "TAG1", and a tag that begins the application's name, the empty one too,
+    /// finds that: the lines are then copied to data of another name and stay as they were. True also when
+    /// no line was found; false for null. The application is registered in getDatabase(). The object is
+    /// upgraded when it isn't open for write.
+    bool AtualizarAtributoVirtual(OdSmartPtr<OdDbObject> obj, RZString tag, RZString valor, bool invisivel);
+    /// Opens the object for write.
+    bool AtualizarAtributoVirtual(RZID id, RZString tag, RZString valor, bool invisivel);
+    /// Replaces all lines of an object by those of a list in order; none are left for an empty or a null one.
+    /// With `preservarTag` the line of the component's tag stays, as the first one, and records of that role
+    /// are passed over. Always true, also when the object can't be opened. The application is registered in
+    /// getDatabase() in any case.
+    bool AtualizarAtributosVirtual(RZID id, CEListaAtributos* lista, bool preservarTag);
 
     // --- Blocks ---
 
@@ -177,6 +235,59 @@ public:
     /// Whether a name begins with one of them, ignoring case. Nothing is opened; the block needn't exist.
     bool IsBlocoNaoSimbolo(RZString nome);
     bool IsBlocoNaoSimbolo(RZString nome, RZStringList lista);
+
+    // --- Symbols: insertion of blocks ---
+    //
+    // A symbol file is a drawing whose layer table holds one layer and whose model space holds no references
+    // but to anonymous blocks. One that is refused is told on the host's command line with its block name
+    // and path. Blocks that come from files get the origin (0, 0, 0): the drawing's base point stands there.
+
+    /// Places a block in model space, on a layer that is made when it isn't there. A block that the drawing
+    /// has is taken as it stands, and the file isn't looked at. When it has none and the file gives none, the
+    /// result is a reference to no block. Null without model space. The reference is open for write, and
+    /// reactors hear of it when the caller lets it go. `rotacao` in radians; scale 1.
+    OdSmartPtr<OdDbBlockReference> InserirBloco(RZString arquivo, RZString nome, RZString layer, float x,
+                                                float y, float z, float rotacao);
+    /// Gives a reference an attribute for each definition of a block that isn't constant, with the default
+    /// text, placed by the reference's own transform. Attributes that are there already stay, so a second
+    /// call doubles them. The reference must be open for write. Always 0; a null `btrId` adds nothing.
+    int CriarAtributos(RZID btrId, OdSmartPtr<OdDbBlockReference> ref);
+    /// Loads a symbol file as a block. The null id for a missing file, a refused one, and a name that is
+    /// empty or taken. A file that can't be read raises OdError.
+    RZID carregaBTR(RZString nome, RZString arquivo);
+    /// The definitions of a block by its name, which is loaded from a symbol file when the drawing lacks it:
+    /// as for the block's record, or 2, with `lista` as it was, when there is no such block.
+    int SearchAttributes(RZString arquivo, RZString nome, CEListaAtributos*& lista);
+    /// Replaces entities by plain geometry in model space, all on a layer that must exist. A reference falls
+    /// into its pieces, one level; of its attribute definitions only those become texts whose attribute is
+    /// visible and without a value, as empty texts: values don't reach the result. Extended data isn't taken
+    /// along. The sources are erased last, wherever they stand: a failure before leaves them. False, with
+    /// nothing changed, for a null list, an empty name and a drawing without model space.
+    bool explodeEntitiesToLayer(CList<RZID, const RZID&>* ids, RZString layer);
+    /// Brings the model space of a drawing, attributes too, to layer "0", makes that the current layer and
+    /// erases all others but those that the drawing won't give up, such as those of entities in blocks.
+    /// Layer "0" is thawed in getDatabase() and not in `db`. A null `db` raises OdError.
+    void tudoParaLayerZero(OdSmartPtr<CHostDatabase> db);
+
+    // --- Symbols: redefinition of blocks ---
+
+    /// Gives a block the content of a symbol file, or of another drawing, which isn't held to the rules of a
+    /// symbol file. A block that the drawing lacks is made. One that is there stays the same object, with its
+    /// handle and name, gets new entities and the origin (0, 0, 0); its references, in any owner, keep their
+    /// place, layer and extended data and get new attributes, with the values and the invisibility that the
+    /// attributes of these tags had. False for a refused file, a null drawing, and a name that can't be made.
+    /// A file that is missing or can't be read raises OdError. A failure on the way leaves the block half
+    /// done: callers bracket the call in an undo group.
+    bool RedefinirBloco(RZString arquivo, RZString nome);
+    bool RedefinirBloco(OdSmartPtr<OdDbDatabase> db, RZString nome);
+    /// Redefines the blocks of a map from symbol files to names. A refused file doesn't end it, an exception
+    /// does. True when all of them were redefined.
+    bool RedefinirBlocos(CEMap<RZString> blocos);
+    /// Erases the blocks that nothing uses. What only such a block uses goes with the next call.
+    void PurgeBlocks(OdSmartPtr<OdDbDatabase> db);
+    /// Whether macros on pages are to be looked up and updated: the variable "*MACRONASPAGINAS*" of the
+    /// active document.
+    bool BuscarAtualizarMacros();
 
     // --- Variables of a document ---
     //
@@ -242,6 +353,60 @@ public:
     /// ids stay. Nothing happens for null.
     void removeXdata(OdSmartPtr<OdDbObject> obj, RZString id);
 
+    // --- Links between the appearances of a component ---
+    //
+    // One object of a component, on a schematic page, holds its data. Every other appearance, such as its
+    // shape on a panel or the label of its wire, keeps the handle of that object in extended data.
+
+    /// The schematic object of a component, from any of its appearances. The first kind of link that the
+    /// object bears decides; when its handle is unknown, and without any link, the object counts as its own.
+    /// An erased schematic object counts as known for as long as the drawing is open. Handles are looked up
+    /// in getDatabase() whatever `db` is. The null id for null.
+    RZID getObjIdEsquema(CHostDatabase* db, OdSmartPtr<OdDbObject> obj);
+    RZID getObjIdEsquema(CHostDatabase* db, RZID id);
+    RZID getObjIdEsquema(RZID id);
+    RZID getObjIdEsquema(OdSmartPtr<OdDbObject> obj);
+    /// Points the links that were copied along with their objects to the copies; called when both clone
+    /// operations of a copy have ended. Objects of `mapa1` are mended by their kind, of those of `mapa2` the
+    /// schematic ones only; either mapping may be null. True when an object of a kind that is mended was
+    /// met, whether or not a handle changed. What was mended before a failure stays so.
+    bool reassociaBlocos(OdSmartPtr<OdDbIdMapping> mapa1, OdSmartPtr<OdDbIdMapping> mapa2);
+    /// The point that stands for the start of a wire: far off the sheet, the same for every drawing.
+    OdGePoint3d getPontoRefInicioFio();
+    /// Whether a point lies on the segment from `inicio` to `fim`, which reaches a tolerance farther at both
+    /// ends; the limits belong to it. A segment without length has no direction, and a point is measured as
+    /// if it stood straight ahead: true when it is no farther off than the tolerance.
+    bool pontoPertenceLinha(OdGePoint3d inicio, OdGePoint3d fim, OdGePoint3d ponto, double tolerancia);
+
+    // --- Local circuits: numbered groups of components ---
+    //
+    // A component bears the number on its schematic object. Texts and regions belong to another module, which
+    // is asked by name; without it, and without a document, what goes out stays as it was.
+
+    /// The circuit of a component: 1 when its schematic object tells none. False, with `numero` as it was,
+    /// for null and when the schematic object can't be opened.
+    bool buscaCircuitoLocal(OdSmartPtr<OdDbObject> obj, int& numero);
+    /// The three texts of a circuit. False, with all of them as they were, unless the answer is a list that
+    /// begins with three texts.
+    bool buscaCircuitoLocal(int numero, RZString& a, RZString& b, RZString& c);
+    /// The texts of a component's circuit, and its number, which is handed out even when there are no texts.
+    bool buscaCircuitoLocal(OdSmartPtr<OdDbObject> obj, RZString& a, RZString& b, RZString& c);
+    bool buscaCircuitoLocal(OdSmartPtr<OdDbObject> obj, RZString& a, RZString& b, RZString& c, int& numero);
+    /// False without a getDatabase().
+    bool buscaCircuitoLocal(RZID id, RZString& a, RZString& b, RZString& c);
+    /// The entities of model space that bear a number themselves, in drawing order, open for reading.
+    std::vector<OdSmartPtr<OdDbObject>> buscaTodosBlocosComCircuitoLocal();
+    /// The texts of all circuits by number; the first listing of a number counts, a circuit without text is
+    /// left out. Null when there are none. Map and lists belong to the caller.
+    std::map<int, std::list<RZString>*>* buscaTodosCircuitosLocais();
+    /// Asks for the symbol of a circuit to be brought up to date. The name is spelled as callers know it.
+    bool atualizarCiruitoLocal(RZString texto1, OdGePoint2d ponto, RZString texto2);
+    /// The circuit of a place. Any answer counts: one without a number, nil too, gives 0 and true.
+    bool findCircuitoLocalLocation(RZString texto, OdGePoint2d ponto, int& numero);
+    /// Drops all circuits; tells that a region was erased. False when the owner can't or isn't there.
+    bool clearCircLocal();
+    bool processaRegiaoApagada(RZString texto);
+
     // --- Dictionaries of the drawing ---
 
     /// The dictionary of this name among the named objects, open for write. One is made when there is none,
@@ -294,7 +459,91 @@ public:
     /// The line types of getDatabase() in table order, only with `todos` those for "by block" and "by layer".
     RZStringList getTiposLinhas(bool todos);
 
+    // --- Pages: covers, indexes and numbering ---
+    //
+    // A page is a layer. What a project keeps of its pages stands on its settings carrier, the first point of
+    // model space on the layer "RZ_FREEZE", with regard to case. Readers walk model space, which they open
+    // for write, and raise no event; a null database has no carrier. Of several such points a reader takes
+    // the first that has a value, whereas a writer writes on the very first. Writers register the id of their
+    // data in getDatabase() when the carrier was found, and give 0, or 2 without one.
+
+    /// Whether a layer is marked as a cover or as an index. False for a missing layer and for an object of
+    /// another class.
+    bool isPaginaCapa(RZString layer);
+    bool isPaginaCapa(RZID layer);
+    bool isPaginaIndice(RZString layer);
+    bool isPaginaIndice(RZID layer);
+    /// Mark a layer, for as long as it lives; a layer can bear both marks. A missing layer is passed over,
+    /// and the id of the mark is registered all the same.
+    void setPaginaCapa(RZString layer);
+    void setPaginaIndice(RZString layer);
+    /// The numbering mode: 1 by project, 0 not. Where nothing is stored, or -1, the variable
+    /// "*NUMERAR_POR_PROJ*" of the active document decides: 1 for exactly "S", else 0.
+    int GetNumeracaoPaginas(CHostDatabase* db);
+    /// Any value is stored as it is. Opens entities for write up to the carrier.
+    int SetNumeracaoPaginas(int valor);
+    /// The number in decimal with zeros in front up to the width in the variable "*QTD_JUSTIFY_PAG*" of the
+    /// active document; a longer one is whole.
+    RZString FormataNumeroPagina(int numero);
+
+    // --- Pages: orders of lists, and panels ---
+    //
+    // On the settings carrier, as above. A text that isn't a number counts as RZString::toInt reads it.
+
+    /// The order of groups, 2 without a value. Of several carriers the last one with a value counts, while a
+    /// writer writes on the first.
+    int GetOrdemGrupos(CHostDatabase* db);
+    int SetOrdemGrupos(int valor);
+    /// The order of the pages of one group, 1 without a value. The name of the group is part of the id that
+    /// is registered, unchecked and with regard to case.
+    int GetOrdemPaginas(RZString grupo);
+    int SetOrdemPaginas(RZString grupo, int valor);
+    /// The whole chain of the panels, a copy with the id "TVO_RZ_PAINEL" in front; null without one.
+    OdSmartPtr<OdResBuf> GetPaineisDefinidos(CHostDatabase* db);
+    /// Stores a chain as it stands: its first record names the id that is replaced, and the id alone clears
+    /// the panels. Null changes nothing.
+    int SetPaineisDefinidos(OdSmartPtr<OdResBuf> paineis);
+
+    // --- Version and configuration of the project ---
+
+    /// The internal version of the product that stored a version last; empty without one. Registers the id
+    /// "RZ_VERSAO", so that reading may change a drawing.
+    RZString getVersaoProjeto();
+    /// Stores a version, which no member reads back, together with the internal version of the product,
+    /// CIRegistro::GetVersionInternal. An earlier entry is replaced and erased.
+    void setVersaoProjeto(RZString versao);
+    /// The name of the configuration file on the settings carrier; empty without one. The first carrier with
+    /// a name counts.
+    RZString GetCfgProjeto();
+    /// Writes on the first carrier, opening entities for write up to it; nothing happens without one.
+    void SetCfgProjeto(RZString nome);
+    /// The name in the variable "CFG_NOME" of the active document with ".cfg" behind it; ".cfg" alone when
+    /// it is unset.
+    void SetCfgProjeto();
+    /// The drawing's file name with extension, and the folder of getDatabase() with its final separator;
+    /// empty for a drawing that was never saved and for a null database.
+    RZString GetNomeArquivo(CHostDatabase* db);
+    RZString GetPathArquivo();
+    /// The current file and document of the document manager: variables of the active document, empty when
+    /// unset. The writers need an active document.
+    RZString getArqCorrenteGD();
+    void setArqCorrenteGD(RZString valor);
+    RZString getDocCorrenteGD();
+    void setDocCorrenteGD(RZString valor);
+    /// The norm key of an object, in two parts, from the first of five kinds of chain that it carries; one
+    /// without a key isn't made up for by another kind. A representation asks the object that it stands for,
+    /// and when that can't be opened its own text. False without a key; the outputs then stay as they were,
+    /// but for a schematic key that is refused since its left part is "0" or its right part is missing.
+    /// Registers the five ids in getDatabase(), unless `obj` is null.
+    bool getKeyNorma(OdSmartPtr<OdDbObject> obj, RZString& esquerda, RZString& direita);
+    bool getKeyNorma(RZID id, RZString& esquerda, RZString& direita);
+
 private:
+    /// Marks a layer as of a type: "CAPA" or "INDICE"; another one raises OdError.
+    void setTipoLayer(RZString layer, RZString tipo);
     /// Registers an application id in getDatabase() unless it is there. An empty one raises OdError.
     void RegisterAppName(CHostString id);
+    /// Whether a drawing may become a block: see the section on insertion. False for null. A refusal writes
+    /// its line to the command line.
+    bool canInsert(OdSmartPtr<OdDbDatabase> db, RZString nome, RZString caminho);
 };

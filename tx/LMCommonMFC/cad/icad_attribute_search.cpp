@@ -1,25 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Reading attributes of references and of definitions.
+#include "cad/icad_definition_texts.h"
 #include "cad/icad_detail.h"
 #include "log.h"
 
+#include <optional>
+
 using lm::cad::append;
 using lm::cad::attributeAt;
+using lm::cad::forEachDefinition;
 using lm::cad::ListOwner;
 using lm::cad::trimmed;
 
 namespace {
-
-/// Walks the definitions of a block that are, or are not, constant, until `visit` answers false.
-template<class Visit>
-void forEachDefinition(const OdDbBlockTableRecord& btr, bool constant, Visit&& visit) {
-    const OdSmartPtr<OdDbObjectIterator> walk = btr.newIterator();
-    for (; !walk->done(); walk->step()) {
-        const OdSmartPtr<OdDbObject> object = walk->objectId().openObject();
-        const auto* definition = OdDbAttributeDefinition::cast(object.get());
-        if (definition != nullptr && definition->isConstant() == constant && !visit(*definition)) return;
-    }
-}
 
 OdSmartPtr<OdDbBlockTableRecord> blockOf(const OdDbBlockReference& ref) {
     return OdSmartPtr<OdDbBlockTableRecord>(ref.blockTableRecord().openObject());
@@ -47,12 +40,32 @@ OdString findDefault(const OdDbBlockTableRecord& btr, const OdString& tag) {
     return text;
 }
 
-int countTags(const CEListaAtributos& list, const OdString& tag) {
-    int count = 0;
-    for (int i = 0; i < list.GetSize(); ++i)
-        if (lm::system::equalsNoCase(list.GetAt(i)->GetTag().view(), tag.view())) ++count;
-    return count;
-}
+/// Prompts and defaults for the attributes of one reference. The block is read at the first question, and
+/// once.
+class ReferenceTexts {
+public:
+    explicit ReferenceTexts(const OdDbBlockTableRecord* block) : m_block(block) {}
+
+    /// The prompt for the next attribute of a tag, which is taken as it stands; empty without a block.
+    OdString nextPrompt(const OdString& tag) {
+        if (m_block == nullptr) return OdString();
+        const OdString prompt = texts().prompt(tag, m_counts.of(tag));
+        m_counts.add(trimmed(tag)); // attributes before are known by the tags of their records
+        return prompt.isEmpty() ? tag : prompt;
+    }
+    OdString defaultText(const OdString& tag) {
+        return m_block == nullptr ? OdString() : texts().defaultText(tag);
+    }
+
+private:
+    const lm::cad::DefinitionTexts& texts() {
+        if (!m_texts) lm::log::guarded("CICad::GetPrompt", [&] { m_texts.emplace(*m_block); });
+        return *m_texts;
+    }
+    const OdDbBlockTableRecord* m_block;
+    std::optional<lm::cad::DefinitionTexts> m_texts;
+    lm::cad::TagCounts m_counts;
+};
 
 /// An attribute of a list search: through its id, or else from the walk; null when neither gives one.
 OdSmartPtr<OdDbAttribute> attributeOrEntityAt(const OdDbObjectIterator& walk) {
@@ -157,22 +170,18 @@ int CICad::SearchAttributes(OdSmartPtr<OdDbBlockReference> ref, CEListaAtributos
         OdSmartPtr<OdDbBlockTableRecord> btr;
         if (comPrompt) btr = blockOf(*ref);
         ListOwner list(new CEListaAtributos());
+        ReferenceTexts texts(btr.get());
         const lm::WideView prefix = prefixo.view();
         for (walk->start(); !walk->done(); walk->step()) {
             const OdSmartPtr<OdDbAttribute> attribute = attributeOrEntityAt(*walk);
             if (attribute.isNull()) continue;
             OdString tag = attribute->tag();
             if (!prefix.empty() && tag.view().substr(0, prefix.size()) != prefix) continue;
-            OdString prompt;
-            if (!btr.isNull()) {
-                // Definitions are asked for the tag as it stands; only the record gets it trimmed.
-                prompt = static_cast<OdString>(GetPrompt(btr, RZString(tag), countTags(*list, tag)));
-                if (prompt.isEmpty()) prompt = tag;
-            }
+            const OdString prompt = trimmed(texts.nextPrompt(tag));
             tag = trimmed(tag);
             OdString value = trimmed(attribute->textString());
-            if (value.isEmpty() && usarPadrao && !btr.isNull()) value = trimmed(findDefault(*btr, tag));
-            append(*list, std::make_unique<CEAtributo>(std::move(tag), trimmed(prompt), std::move(value),
+            if (value.isEmpty() && usarPadrao) value = trimmed(texts.defaultText(tag));
+            append(*list, std::make_unique<CEAtributo>(std::move(tag), prompt, std::move(value),
                                                        attribute->objectId(), attribute->isInvisible()));
         }
         lista = list.release();

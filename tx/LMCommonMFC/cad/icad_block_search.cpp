@@ -114,19 +114,31 @@ std::list<CEBloco*>* CICad::BuscarBlocos2(RZString nomes) {
 
 namespace {
 
-/// Moves the records of a list into a block; tells whether one of them has the tag, ignoring case, and the
-/// value.
-bool moveRecords(CEListaAtributos& list, CEBloco& block, const RZString& tag, const RZString& value) {
-    bool found = false;
+/// The attributes of a reference with trimmed texts; null for one without a walk.
+lm::cad::ListOwner readList(CICad& cad, const OdSmartPtr<OdDbBlockReference>& ref, bool withPrompts) {
+    CEListaAtributos* read = nullptr;
+    cad.SearchAttributes(ref, read, withPrompts, false, RZString());
+    return lm::cad::ListOwner(read);
+}
+
+/// Whether a record of a list has the tag, ignoring case, and the value.
+bool holds(const CEListaAtributos& list, const RZString& tag, const RZString& value) {
+    for (long long i = 0; i < list.GetSize(); ++i) {
+        const CEAtributo& record = *list.GetAt(i);
+        if (tag.matchesNoCase(record.GetTag().view()) &&
+            lm::system::wideEquals(record.GetValor().view(), value.view()))
+            return true;
+    }
+    return false;
+}
+
+void moveRecords(CEListaAtributos& list, CEBloco& block) {
     lm::cad::RecordEntry records(block);
     for (long long i = 0; i < list.GetSize(); ++i) {
         std::unique_ptr<CEAtributo> record(list.GetAt(i));
         list.SetAt(i, nullptr);
-        found = found || (tag.matchesNoCase(record->GetTag().view()) &&
-                          lm::system::wideEquals(record->GetValor().view(), value.view()));
         records.enter(std::move(record));
     }
-    return found;
 }
 
 } // namespace
@@ -136,13 +148,12 @@ std::list<CEBloco*>* CICad::BuscarBlocos3(RZString tag, RZString valor) {
     forEachInModelSpace([&](OdDbBlockReference& ref) {
         const OdSmartPtr<OdDbBlockReference> held(&ref);
         const CHostString name = GetNomeBloco(held);
-        CEListaAtributos* read = nullptr;
-        SearchAttributes(held, read, true, false, RZString());
-        if (read == nullptr) return;
-        const lm::cad::ListOwner list(read);
-        if (!isInModelSpace(ref)) return;
+        // Prompts cost a walk over the block, and most references don't match.
+        lm::cad::ListOwner list = readList(*this, held, false);
+        if (list == nullptr || !isInModelSpace(ref) || !holds(*list, tag, valor)) return;
+        list = readList(*this, held, true);
         BlockOwner block(new CEBloco(name));
-        if (!moveRecords(*list, *block, tag, valor)) return;
+        moveRecords(*list, *block);
         block->SetObjectId(ref.objectId());
         blocks.append(std::move(block));
     });

@@ -68,6 +68,13 @@ OdString trimmed(const OdString& text) {
     return inner.size() == all.size() ? text : OdString(inner);
 }
 
+OdSmartPtr<OdResBuf> recordAt(const OdSmartPtr<OdResBuf>& chain, int position) {
+    if (position < 0) return {};
+    OdSmartPtr<OdResBuf> record = chain;
+    for (; position > 0 && !record.isNull(); --position) record = record->next();
+    return record;
+}
+
 OdSmartPtr<OdDbBlockTableRecord> openModelSpace(OdDb::OpenMode mode) {
     const CHostDatabase* const db = getDatabase();
     if (db == nullptr) return {};

@@ -81,6 +81,9 @@ private:
 /// The text without white space at both ends; the same buffer when there is none.
 OdString trimmed(const OdString& text);
 
+/// The record at a position of a chain, counted from 0; null beyond its ends and for a null chain.
+OdSmartPtr<OdResBuf> recordAt(const OdSmartPtr<OdResBuf>& chain, int position);
+
 /// Model space of the current database, null without one.
 OdSmartPtr<OdDbBlockTableRecord> openModelSpace(OdDb::OpenMode mode = OdDb::kForRead);
 /// The dictionary of the virtual schematic, null when the drawing has none.

@@ -2,6 +2,7 @@
 // Extended data that is changed record by record, and the dictionaries that a project keeps by name.
 #include "arguments.h"
 #include "cad/icad.h"
+#include "cad/icad_detail.h"
 #include "log.h"
 
 #include "host/database.h"
@@ -18,14 +19,6 @@ OdSmartPtr<T> make() {
     return OdSmartPtr<T>(new T, lm::drawing::kAttach);
 }
 
-/// The record at a position of a chain, counted from 0; null beyond its ends and for a null chain.
-OdSmartPtr<OdResBuf> recordAt(const OdSmartPtr<OdResBuf>& chain, int position) {
-    if (position < 0) return {};
-    OdSmartPtr<OdResBuf> record = chain;
-    for (; position > 0 && !record.isNull(); --position) record = record->next();
-    return record;
-}
-
 /// Writes a chain back to the object that it came from.
 void writeBack(OdDbObject& object, const OdSmartPtr<OdResBuf>& chain) {
     if (!object.isWriteEnabled()) object.upgradeOpen();
@@ -38,7 +31,7 @@ template<class Change>
 bool changeRecord(OdDbObject& object, const RZString& id, int position, Change&& change) {
     // A copy of the object's chain: giving up in the middle changes nothing.
     const OdSmartPtr<OdResBuf> chain = object.xData(id);
-    const OdSmartPtr<OdResBuf> record = recordAt(chain, position);
+    const OdSmartPtr<OdResBuf> record = lm::cad::recordAt(chain, position);
     if (record.isNull() || !change(*record)) return false;
     writeBack(object, chain);
     return true;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Attributes that no attribute object holds: lines in the extended data of any object, and the virtual blocks
-// whose records stand in a dictionary.
+// Attributes that no attribute object holds: lines in the extended data of any object, read and written, and
+// the virtual blocks whose records stand in a dictionary.
 #include "cad/icad_detail.h"
 #include "log.h"
 #include "vocabulary/names.h"
@@ -12,6 +12,9 @@ using lm::names::TVO_RZ_ATT_VIRTUAL;
 namespace {
 
 constexpr int kTag = 0, kValue = 1, kFlag = 2, kFields = 3;
+
+/// Group codes of the chain: the application's name, then one text for each line.
+constexpr int kApplication = 1001, kLine = 1000;
 
 /// The fields of a line: tag, value and flag behind the separator. An empty value stands as one blank, since
 /// separators in a row would otherwise fall together.
@@ -30,6 +33,11 @@ OdSmartPtr<OdResBuf> linesOf(const OdDbObject& object) {
     return object.xData(TVO_RZ_ATT_VIRTUAL);
 }
 
+/// A line as it is stored. Nothing is escaped: a separator in a value makes a field more.
+OdString lineOf(const RZString& tag, const RZString& value, bool invisible) {
+    return RZString(tag, RZString::char12, value, RZString::char12, invisible ? "S" : "N");
+}
+
 /// Walks the texts of a chain until `visit` answers false.
 template<class Visit>
 void forEachText(const OdResBuf* chain, Visit&& visit) {
@@ -37,20 +45,28 @@ void forEachText(const OdResBuf* chain, Visit&& visit) {
         if (!visit(RZString(at->getString()))) return;
 }
 
+/// Gives the first line of exactly this tag, whole and in fields, to `use`.
+template<class Use>
+void findLine(const OdDbObject& object, const RZString& tag, Use&& use) {
+    const OdSmartPtr<OdResBuf> lines = linesOf(object);
+    const RZString application{OdString(TVO_RZ_ATT_VIRTUAL)};
+    forEachText(lines.get(), [&](const RZString& line) {
+        if (line == application) return true;
+        const RZStringList fields = fieldsOf(line);
+        if (fields.getIndex(kTag) != tag) return true;
+        use(line, fields);
+        return false;
+    });
+}
+
 } // namespace
 
 CEAtributo* CICad::SearchAttributeVirtual(OdSmartPtr<OdDbObject> obj, RZString tag) {
     return lm::log::guarded("CICad::SearchAttributeVirtual", [&]() -> CEAtributo* {
         if (obj.isNull()) return nullptr;
-        const OdSmartPtr<OdResBuf> lines = linesOf(*obj);
-        const RZString application{OdString(TVO_RZ_ATT_VIRTUAL)};
         std::unique_ptr<CEAtributo> record;
-        forEachText(lines.get(), [&](const RZString& line) {
-            if (line == application) return true;
-            const RZStringList fields = fieldsOf(line);
-            if (fields.getIndex(kTag) != tag) return true;
+        findLine(*obj, tag, [&](const RZString&, const RZStringList& fields) {
             record = recordOf(fields, fields.getIndex(kFlag).asUpper() == "S");
-            return false;
         });
         return record.release();
     });
@@ -120,6 +136,69 @@ int CICad::SearchAttributesVirtual(RZID id, CEBloco* bloco) {
         return true;
     });
     return 0;
+}
+
+namespace {
+
+/// The first item whose text begins with a tag in capitals, whatever its own case. Nothing looks for the
+/// separator behind the tag, and the record with the application's name is an item like the others: the way
+/// in which lines have always been found for writing.
+OdResBuf* findItem(OdResBuf* chain, const RZString& tag) {
+    for (OdResBuf* at = chain; at != nullptr; at = at->next().get())
+        if (RZString(at->getString()).asUpper().startsWith(tag)) return at;
+    return nullptr;
+}
+
+/// Appends the stored line of an object's component tag, if it has one. It is copied as it stands: a record
+/// would bring a blank for an empty value and a flag in capitals.
+void appendTagLine(CICad& cad, const RZID& id, OdSmartPtr<OdResBuf>& last) {
+    const std::unique_ptr<CEAtributo> record(cad.SearchAttributeVirtualTag(id));
+    if (record == nullptr) return;
+    findLine(*id.openObject(), RZString(record->GetTag().view()),
+             [&](const RZString& line, const auto&) { last = last->append(OdResBuf::newRb(kLine, line)); });
+}
+
+} // namespace
+
+bool CICad::AtualizarAtributoVirtual(OdSmartPtr<OdDbObject> obj, RZString tag, RZString valor,
+                                     bool invisivel) {
+    return lm::log::guarded("CICad::AtualizarAtributoVirtual", [&] {
+        if (obj.isNull()) return false;
+        RegisterAppName(TVO_RZ_ATT_VIRTUAL);
+        const OdSmartPtr<OdResBuf> lines = linesOf(*obj);
+        tag.makeUpper();
+        if (OdResBuf* const item = findItem(lines.get(), tag); item != nullptr)
+            item->setString(lineOf(tag, valor, invisivel));
+        if (!obj->isWriteEnabled()) obj->upgradeOpen();
+        obj->setXData(lines);
+        return true;
+    });
+}
+
+bool CICad::AtualizarAtributoVirtual(RZID id, RZString tag, RZString valor, bool invisivel) {
+    return lm::log::guarded("CICad::AtualizarAtributoVirtual", [&] {
+        return AtualizarAtributoVirtual(id.openObject(OdDb::kForWrite), tag, valor, invisivel);
+    });
+}
+
+bool CICad::AtualizarAtributosVirtual(RZID id, CEListaAtributos* lista, bool preservarTag) {
+    return lm::log::guarded("CICad::AtualizarAtributosVirtual", [&] {
+        RegisterAppName(TVO_RZ_ATT_VIRTUAL);
+        const OdSmartPtr<OdResBuf> chain = OdResBuf::newRb(kApplication, TVO_RZ_ATT_VIRTUAL);
+        OdSmartPtr<OdResBuf> last = chain;
+        if (preservarTag) appendTagLine(*this, id, last);
+        for (int i = 0; lista != nullptr && i < lista->GetSize(); ++i) {
+            const CEAtributo& record = *lista->GetAt(i);
+            if (preservarTag && CMensagem::isAttTag(record.GetTag())) continue;
+            // Unit by unit: what was read and is written back must not lose what the code page lacks.
+            const OdString line = lineOf(RZString(record.GetTag().view()), RZString(record.GetValor().view()),
+                                         record.GetInvisivel());
+            last = last->append(OdResBuf::newRb(kLine, line));
+        }
+        const OdSmartPtr<OdDbObject> object = id.openObject(OdDb::kForWrite);
+        if (!object.isNull()) object->setXData(chain);
+        return true;
+    });
 }
 
 namespace {

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// The pages of a project: settings that are found by walking over model space, without an index or a cache.
+// Each benchmark looks at what came out.
+#include "arguments.h"
+#include "cad/icad.h"
+
+#include "drawing/drawing.h"
+#include "host/documentmanager.h"
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+namespace {
+
+using lm::drawing::kAttach;
+using lm::drawing::odText;
+
+constexpr int kEntities = 100000;
+
+template<class T>
+OdSmartPtr<T> make() {
+    return OdSmartPtr<T>(new T, kAttach);
+}
+
+/// A project of 100 pages in the active document: references with four attributes, lines and points. Its
+/// settings carrier is the first or the last entity, or isn't there.
+class Project {
+public:
+    enum Carrier { kFirst, kLast, kNone };
+
+    explicit Project(Carrier carrier) {
+        addLayer("RZ_FREEZE");
+        for (int i = 0; i < kPages; ++i) addLayer("P" + std::to_string(i));
+        m_block = OdSmartPtr<OdDbSymbolTable>(db().getBlockTableId().openObject(OdDb::kForWrite))
+                      ->add(named(make<OdDbBlockTableRecord>(), "SYMBOL"));
+        if (carrier == kFirst) addOn(make<OdDbPoint>(), "RZ_FREEZE");
+        while (m_count < kEntities - (carrier == kLast ? 1 : 0)) addNext();
+        if (carrier == kLast) addOn(make<OdDbPoint>(), "RZ_FREEZE");
+        m_space = {};
+    }
+    ~Project() { lm::host::documentManager().closeAll(); }
+    CHostDatabase& db() { return *m_document->database(); }
+
+private:
+    static constexpr int kPages = 100;
+
+    template<class T>
+    static OdSmartPtr<T> named(OdSmartPtr<T> record, const std::string& name) {
+        record->setName(odText(name));
+        return record;
+    }
+    void addLayer(const std::string& name) {
+        OdSmartPtr<OdDbSymbolTable>(db().getLayerTableId().openObject(OdDb::kForWrite))
+            ->add(named(make<OdDbLayerTableRecord>(), name));
+    }
+    void addOn(const OdSmartPtr<OdDbEntity>& entity, const std::string& layer) {
+        if (m_space.isNull())
+            m_space = OdSmartPtr<OdDbBlockTableRecord>(db().getModelSpaceId().openObject(OdDb::kForWrite));
+        m_space->appendOdDbEntity(entity);
+        entity->setLayer(odText(layer));
+        ++m_count;
+    }
+    /// Of ten entities seven are references, two are lines, and one is a point of no setting.
+    void addNext() {
+        const std::string page = "P" + std::to_string(m_count % kPages);
+        if (m_count % 10 == 9) return addOn(make<OdDbPoint>(), page);
+        if (m_count % 10 >= 7) return addOn(make<OdDbLine>(), page);
+        const auto reference = make<OdDbBlockReference>();
+        reference->setBlockTableRecord(m_block);
+        addOn(reference, page);
+        for (int i = 0; i < 4; ++i) {
+            const auto attribute = make<OdDbAttribute>();
+            attribute->setTag(odText("TAG" + std::to_string(i)));
+            attribute->setTextString(odText("value"));
+            reference->appendAttribute(attribute);
+        }
+    }
+
+    CHostDocument* m_document = lm::host::documentManager().newDocument();
+    OdSmartPtr<OdDbBlockTableRecord> m_space;
+    OdDbObjectId m_block;
+    int m_count = 0;
+};
+
+/// Reads that go over the whole of model space: the carrier stands at its end, or there is none.
+void walkForNumbering(benchmark::State& state) {
+    Project project(static_cast<Project::Carrier>(state.range(0)));
+    CICad cad;
+    const int written = cad.SetNumeracaoPaginas(1);
+    const int expected = written == 0 ? 1 : 0;
+    for (auto _ : state)
+        if (cad.GetNumeracaoPaginas(&project.db()) != expected) state.SkipWithError("another mode");
+    if (written != (state.range(0) == Project::kNone ? 2 : 0)) state.SkipWithError("another carrier");
+}
+BENCHMARK(walkForNumbering)->Arg(Project::kLast)->Arg(Project::kNone)->Unit(benchmark::kMillisecond);
+
+void walkForOrders(benchmark::State& state) {
+    Project project(Project::kLast);
+    CICad cad;
+    if (cad.SetOrdemGrupos(7) != 0 || cad.SetOrdemPaginas("G", 8) != 0) state.SkipWithError("no carrier");
+    const bool isGroups = state.range(0) == 0;
+    for (auto _ : state) {
+        const int order = isGroups ? cad.GetOrdemGrupos(&project.db()) : cad.GetOrdemPaginas("G");
+        if (order != (isGroups ? 7 : 8)) state.SkipWithError("another order");
+    }
+}
+BENCHMARK(walkForOrders)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+void walkForPanels(benchmark::State& state) {
+    Project project(Project::kNone);
+    CICad cad;
+    for (auto _ : state)
+        if (!cad.GetPaineisDefinidos(&project.db()).isNull()) state.SkipWithError("panels out of nothing");
+}
+BENCHMARK(walkForPanels)->Unit(benchmark::kMillisecond);
+
+/// A write to the first of 100,000 entities.
+void writeOnTheFirstCarrier(benchmark::State& state) {
+    Project project(Project::kFirst);
+    CICad cad;
+    const bool isNumbering = state.range(0) == 0;
+    int value = 0;
+    for (auto _ : state) {
+        ++value;
+        if ((isNumbering ? cad.SetNumeracaoPaginas(value) : cad.SetOrdemGrupos(value)) != 0)
+            state.SkipWithError("no carrier");
+    }
+    const int stored =
+        isNumbering ? cad.GetNumeracaoPaginas(&project.db()) : cad.GetOrdemGrupos(&project.db());
+    if (stored != value) state.SkipWithError("another value");
+}
+BENCHMARK(writeOnTheFirstCarrier)->Arg(0)->Arg(1);
+
+} // namespace
+
+BENCHMARK_MAIN();

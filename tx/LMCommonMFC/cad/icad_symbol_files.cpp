@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+// Symbol files: which drawings may become blocks, how they become blocks, and how a drawing is brought to the
+// state of one.
+#include "cad/icad_symbols.h"
+
+#include "arguments.h"
+#include "cad/icad_detail.h"
+#include "log.h"
+#include "rzprintf.h"
+
+#include "host/services.h"
+#include "system/path.h"
+
+#include <QCoreApplication>
+
+#include <filesystem>
+
+using lm::cad::openModelSpace;
+
+namespace {
+
+/// Whether a path names a file or a folder.
+bool pathExists(const RZString& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(lm::system::nativePath(path.view()), ignored);
+}
+
+OdSmartPtr<OdDbBlockTableRecord> openModelSpaceOf(const OdDbDatabase& db,
+                                                  OdDb::OpenMode mode = OdDb::kForRead) {
+    return OdSmartPtr<OdDbBlockTableRecord>(db.getModelSpaceId().openObject(mode));
+}
+
+/// Moves the entities of a block so that its origin becomes (0, 0, 0). One that can't be moved stays.
+void moveOriginToZero(OdDbBlockTableRecord& block) {
+    const OdGeMatrix3d shift = OdGeMatrix3d::translation(-block.origin().asVector());
+    const OdSmartPtr<OdDbObjectIterator> walk = block.newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> entity(walk->objectId().openObject(OdDb::kForWrite));
+        entity->transformBy(shift);
+    }
+    block.setOrigin(OdGePoint3d());
+}
+
+/// Whether model space holds a reference to anything but an anonymous block.
+bool holdsNamedBlocks(const OdDbDatabase& db) {
+    const OdSmartPtr<OdDbBlockTableRecord> space = openModelSpaceOf(db);
+    if (space.isNull()) return false;
+    const OdSmartPtr<OdDbObjectIterator> walk = space->newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> entity = walk->entity();
+        const OdDbBlockReference* const ref = OdDbBlockReference::cast(entity.get());
+        if (ref == nullptr) continue;
+        const OdSmartPtr<OdDbBlockTableRecord> block(ref->blockTableRecord().openObject());
+        if (block.isNull() || !block->isAnonymous()) return true;
+    }
+    return false;
+}
+
+void tellRefusal(const char* message, const RZString& name, RZString& path) {
+    // Paths are put together from parts that may each bring a separator.
+    path.replace("\\\\", "\\");
+    path.replace("//", "/");
+    rzPrintf("\n%s%s = %s\n", RZString(QCoreApplication::translate("RZINC", message)), name, path);
+}
+
+} // namespace
+
+OdSmartPtr<CHostDatabase> lm::cad::readSymbolFile(const RZString& path) {
+    CHostSystemServices* const services = GetHostSystemServices();
+    if (services == nullptr) return {};
+    constexpr bool kConvertCodePage = true, kPartialLoad = false;
+    constexpr int kShared = 64;
+    return services->readFile(path, kConvertCodePage, kPartialLoad, kShared, OdString());
+}
+
+OdDbObjectId lm::cad::insertSymbol(const RZString& name, OdDbDatabase& source) {
+    CHostDatabase* const db = getDatabase();
+    if (db == nullptr) return OdDbObjectId::kNull;
+    const OdDbObjectId id = db->insert(name, &source, true);
+    if (!id.isValid()) return OdDbObjectId::kNull;
+    moveOriginToZero(*OdSmartPtr<OdDbBlockTableRecord>(id.openObject(OdDb::kForWrite)));
+    return id;
+}
+
+bool CICad::canInsert(OdSmartPtr<OdDbDatabase> db, RZString nome, RZString caminho) {
+    return lm::log::guarded("CICad::canInsert", [&] {
+        if (db.isNull()) return false;
+        if (GetLayers(db).count() > 1) {
+            tellRefusal("Invalid block error - Block with multiple layers: ", nome, caminho);
+            return false;
+        }
+        if (holdsNamedBlocks(*db)) {
+            tellRefusal("Invalid block error - Block containing blocks: ", nome, caminho);
+            return false;
+        }
+        return true;
+    });
+}
+
+RZID CICad::carregaBTR(RZString nome, RZString arquivo) {
+    if (!pathExists(arquivo)) return RZID();
+    const OdSmartPtr<CHostDatabase> db = lm::cad::readSymbolFile(arquivo);
+    if (!canInsert(db, nome, arquivo)) return RZID();
+    return lm::cad::insertSymbol(nome, *db);
+}
+
+int CICad::SearchAttributes(RZString arquivo, RZString nome, CEListaAtributos*& lista) {
+    return lm::log::guarded("CICad::SearchAttributes", [&] {
+        RZID id;
+        if (!ExisteBloco(nome, id, getDatabase())) id = carregaBTR(nome, arquivo);
+        if (!id.isValid() || getDatabase() == nullptr) return 2;
+        return SearchAttributes(OdSmartPtr<OdDbBlockTableRecord>(id.openObject()), lista);
+    });
+}
+
+namespace {
+
+constexpr int kSoftPointer = 330;
+
+void makeCurrent(OdDbDatabase& db, OdDbObjectId layer) {
+    const OdSmartPtr<OdResBuf> value = OdResBuf::newRb(kSoftPointer);
+    value->setObjectId(layer);
+    db.setSysVar("CLAYER", value);
+}
+
+void setAttributeLayers(CICad& cad, OdDbBlockReference& ref, OdDbObjectId layer) {
+    CEListaAtributos* read = nullptr;
+    cad.SearchAttributes(OdSmartPtr<OdDbBlockReference>(&ref), read, false, false, RZString());
+    if (read == nullptr) return;
+    const lm::cad::ListOwner list(read);
+    for (long long i = 0; i < list->GetSize(); ++i) {
+        const OdDbObjectId id = list->GetAt(i)->GetObjectId();
+        OdSmartPtr<OdDbEntity>(id.openObject(OdDb::kForWrite))->setLayer(layer);
+    }
+}
+
+void moveEntitiesTo(CICad& cad, const OdDbDatabase& db, OdDbObjectId layer) {
+    const OdSmartPtr<OdDbBlockTableRecord> space = openModelSpaceOf(db, OdDb::kForWrite);
+    if (space.isNull()) return;
+    const OdSmartPtr<OdDbObjectIterator> walk = space->newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> entity(walk->objectId().openObject(OdDb::kForWrite));
+        entity->setLayer(layer);
+        if (OdDbBlockReference* const ref = OdDbBlockReference::cast(entity.get()))
+            setAttributeLayers(cad, *ref, layer);
+    }
+}
+
+} // namespace
+
+void CICad::tudoParaLayerZero(OdSmartPtr<CHostDatabase> db) {
+    lm::log::guarded("CICad::tudoParaLayerZero", [&] {
+        // Not in `db`: what is shown, and so thawed, is the drawing that work goes to.
+        DescongelaLayer("0", getDatabase());
+        const OdDbObjectId zero = db->getLayerZeroId();
+        makeCurrent(*db, zero);
+        moveEntitiesTo(*this, *db, zero);
+        const OdSmartPtr<OdDbSymbolTable> table(db->getLayerTableId().openObject());
+        if (table.isNull()) return;
+        const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
+        // The drawing refuses to give up those that it needs, and these are to stay.
+        for (; !walk->done(); walk->step()) walk->getRecord(OdDb::kForWrite)->erase(true);
+    });
+}
