@@ -5,6 +5,7 @@
 #include "drawing/error.h"
 #include "drawing/writer.h"
 #include "host/jsonwriter.h"
+#include "system/path.h"
 
 namespace lmhost {
 
@@ -58,7 +59,7 @@ void writeJson(const std::string& file, const CheckResult& result, ToolOutput& o
     JsonWriter json(out);
     json.beginObject();
     json.key("file");
-    json.value(file);
+    json.value(lm::system::shownPath(file));
     json.key("defects");
     json.beginArray();
     for (const Finding& finding : result.findings()) writeFinding(json, finding);
@@ -110,7 +111,7 @@ int runCheck(const CommandLine& line, CHostDocument& document, ToolOutput& out,
         writeText(result, out);
     if (!arguments.out.empty()) {
         try {
-            lm::drawing::saveDrawing(database, OdString(lm::WideView(lm::system::fromUtf8(arguments.out))));
+            lm::drawing::saveDrawing(database, OdString(lm::WideView(lm::system::pathText(arguments.out))));
         } catch (const OdError& failure) {
             error(lm::drawing::utf8(failure.description()));
             return kOutput;

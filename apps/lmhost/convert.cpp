@@ -3,6 +3,7 @@
 
 #include "drawing/error.h"
 #include "drawing/writer.h"
+#include "system/path.h"
 
 namespace lmhost {
 
@@ -54,7 +55,7 @@ int runConvert(const CommandLine& line, CHostDocument& document, lm::host::ToolO
     KeptKinds kept;
     try {
         lm::drawing::saveDrawing(*document.database(),
-                                 OdString(lm::WideView(lm::system::fromUtf8(arguments.out))),
+                                 OdString(lm::WideView(lm::system::pathText(arguments.out))),
                                  arguments.options, &kept);
     } catch (const OdError& failure) {
         error(lm::drawing::utf8(failure.description()));

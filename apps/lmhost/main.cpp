@@ -15,6 +15,7 @@
 #include "host/documentmanager.h"
 #include "host/moduleloader.h"
 #include "host/session.h"
+#include "system/path.h"
 
 #include <QCoreApplication>
 
@@ -31,6 +32,8 @@ namespace {
 enum ExitCode { kDone = 0, kDefects = 1, kUsage = 2, kInput = 3, kOutput = 4, kFailed = 5 };
 
 constexpr const char* kModules[] = {"LMCommon_26.8_17.tx", "LMCommonMFC_26.8_17.tx", "LMTools.tx"};
+/// Modules that a program may be shipped without; the commands of others do less then.
+constexpr const char* kFurtherModules[] = {"LMCircuits_26.8_17.tx"};
 constexpr const char kUsageText[] = "usage: lmhost COMMAND FILE [OPTIONS]\n"
                                     "\n"
                                     "  version                    name, version and module interface\n"
@@ -46,7 +49,8 @@ constexpr const char kUsageText[] = "usage: lmhost COMMAND FILE [OPTIONS]\n"
                                     "                             both: [--time-limit SECONDS]\n";
 
 void errorLine(const std::string& text) {
-    std::fprintf(stderr, "lmhost: %s\n", text.c_str());
+    // A path on the command line may be any bytes.
+    std::fprintf(stderr, "lmhost: %s\n", lm::system::shownPath(text).c_str());
 }
 
 std::string describe(const OdError& error) {
@@ -54,14 +58,19 @@ std::string describe(const OdError& error) {
 }
 
 bool loadModules(lm::host::ModuleLoader& loader, const CommandLine& line) {
-    std::vector<std::string> names(std::begin(kModules), std::end(kModules));
-    names.insert(names.end(), line.modules.begin(), line.modules.end());
-    for (const std::string& name : names) {
+    using lm::host::ModuleStatus;
+    const auto isLoaded = [&loader](const std::string& name, bool mayBeMissing) {
         const lm::host::ModuleResult loaded = loader.load(name);
-        if (loaded) continue;
+        if (loaded || (mayBeMissing && loaded.status == ModuleStatus::kNotFound)) return true;
         errorLine(loaded.reason);
         return false;
-    }
+    };
+    for (const char* name : kModules)
+        if (!isLoaded(name, false)) return false;
+    for (const char* name : kFurtherModules)
+        if (!isLoaded(name, true)) return false;
+    for (const std::string& name : line.modules)
+        if (!isLoaded(name, false)) return false;
     return true;
 }
 
@@ -134,7 +143,7 @@ int guarded(const CommandLine& line, Run&& run) {
 
 CHostDocument* openDrawing(const std::string& file) {
     try {
-        return lm::host::documentManager().openDocument(OdString(lm::WideView(lm::system::fromUtf8(file))));
+        return lm::host::documentManager().openDocument(OdString(lm::WideView(lm::system::pathText(file))));
     } catch (const OdError& error) {
         errorLine(describe(error));
     } catch (const std::bad_alloc&) {
@@ -149,6 +158,10 @@ int runOnDrawing(const CommandLine& line, lm::host::ToolOutput& out) {
     const auto tool = lm::host::findTool(line.command);
     if (tool == nullptr && !isOwnCommand(line.command)) {
         errorLine("unknown command \"" + line.command + "\"; lmhost help lists them");
+        return kUsage;
+    }
+    if (line.lacksFile) {
+        errorLine(line.command + " needs a file; lmhost help tells more");
         return kUsage;
     }
     CHostDocument* const document =

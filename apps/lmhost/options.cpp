@@ -45,21 +45,28 @@ CommandLine readCommandLine(const std::vector<std::string>& given) {
     }
     // The file may stand behind options as well: it is the first argument that is neither an option nor its
     // value.
+    bool hasFile = false;
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const bool option = argument.size() > 1 && argument[0] == '-';
         const bool value = i > 1 && takesValue(arguments[i - 1]);
-        if (line.command == "run" && argument == "--new" && !value)
+        if (!value && (argument == "--help" || argument == "-h")) {
+            line.help = true;
+        } else if (line.command == "run" && argument == "--new" && !value) {
             line.newDrawing = true;
-        else if (line.file.empty() && !line.newDrawing && !option && !value)
+        } else if (!hasFile && !line.newDrawing && !option && !value) {
             line.file = argument;
-        else
+            hasFile = true;
+        } else {
             line.rest.push_back(argument);
+        }
     }
-    if (line.newDrawing && !line.file.empty())
+    if (line.help) return line;
+    if (line.newDrawing && hasFile)
         line.fault = "run takes a file or --new, found both";
-    else if (line.file.empty() && !line.newDrawing)
-        line.fault = line.command + " needs a file";
+    else if (hasFile && line.file.empty())
+        line.fault = line.command + ": the name of the file is empty";
+    line.lacksFile = !hasFile && !line.newDrawing;
     return line;
 }
 

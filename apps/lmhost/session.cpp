@@ -9,6 +9,7 @@
 #include "host/lisp.h"
 #include "host/script.h"
 #include "system/file.h"
+#include "system/path.h"
 
 #include <charconv>
 #include <cerrno>
@@ -97,7 +98,7 @@ bool save(const std::string& path, const ErrorSink& error) {
     try {
         if (document == nullptr || document->database() == nullptr)
             throw lm::host::CommandFailed(path + ": no drawing is open that could be saved");
-        lm::drawing::saveDrawing(*document->database(), OdString(lm::WideView(lm::system::fromUtf8(path))));
+        lm::drawing::saveDrawing(*document->database(), OdString(lm::WideView(lm::system::pathText(path))));
         return true;
     } catch (...) {
         error(lm::host::describeCurrentException());
@@ -195,11 +196,34 @@ bool readScript(const std::string& path, std::string& text, const ErrorSink& err
     }
 }
 
+/// A path of the command line and what it is.
+struct Role {
+    const char* name;
+    const std::string& path;
+};
+
+/// Why an output can't go where it is to go: it would write over something else that the command line names.
+/// Empty when all is well. Only the drawing itself may be saved under its own name.
+std::string findClash(const CommandLine& line, const Arguments& arguments) {
+    const Role drawing{"the drawing", line.file}, script{"the script", arguments.subject};
+    const Role save{"--save", arguments.save}, events{"--events", arguments.events};
+    const std::pair<Role, Role> pairs[] = {
+        {events, drawing}, {events, script}, {events, save}, {save, script}};
+    for (const auto& [output, other] : pairs) {
+        if (output.path.empty() || other.path.empty()) continue;
+        if (lm::system::isSameFile(output.path, other.path))
+            return std::string(output.name) + " would write over " + other.name + ", " + output.path;
+    }
+    return {};
+}
+
 } // namespace
 
 int runScript(const CommandLine& line, lm::host::ToolOutput& out, const ErrorSink& error) {
     const Arguments arguments = readArguments(line, "a script", true);
     if (!arguments.fault.empty()) return error("run: " + arguments.fault), kUsage;
+    if (const std::string clash = findClash(line, arguments); !clash.empty())
+        return error("run: " + clash), kUsage;
     std::string text;
     if (!readScript(arguments.subject, text, error)) return kInput;
     EventFile events;
@@ -208,7 +232,7 @@ int runScript(const CommandLine& line, lm::host::ToolOutput& out, const ErrorSin
         return kOutput;
     };
     if (!events.open(arguments.events)) return cannotWrite();
-    std::size_t failures = 0;
+    int code = kDone;
     {
         Console console(out);
         const Watchdog watchdog(arguments.timeLimit,
@@ -221,12 +245,13 @@ int runScript(const CommandLine& line, lm::host::ToolOutput& out, const ErrorSin
             error(arguments.subject + ":" + std::to_string(at) + ": " + what);
         };
         options.step = [&watchdog](bool begins) { watchdog.step(begins); };
-        failures = lm::host::ScriptRunner(std::move(text), options).run();
+        lm::host::ScriptRunner runner(std::move(text), options);
+        if (runner.run() != 0) code = runner.hasFailedSave() ? kOutput : kFailed;
         console.closeLine();
     }
     if (!events.close()) return cannotWrite();
     if (!arguments.save.empty() && !save(arguments.save, error)) return kOutput;
-    return failures != 0 ? kFailed : kDone;
+    return code;
 }
 
 } // namespace lmhost

@@ -1,9 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The sample project: the generator gives the file that is kept, and an independent reader finds it sound."""
+"""The sample project: an independent reader finds in it what its description says."""
 import os
-import subprocess
-import sys
-import tempfile
 import unittest
 
 import ezdxf
@@ -22,17 +19,6 @@ class MotorStarter(unittest.TestCase):
     def setUpClass(cls):
         cls.document = ezdxf.readfile(DRAWING)
         cls.inserts = list(cls.document.modelspace().query("INSERT"))
-
-    def test_the_generator_gives_the_kept_file_byte_for_byte(self):
-        with tempfile.TemporaryDirectory(prefix="partida às ") as folder:
-            target = os.path.join(folder, "again.dxf")
-            environment = {**os.environ, "LC_ALL": "C", "PYTHONHASHSEED": "7"}
-            subprocess.run([sys.executable, os.path.join(FOLDER, "make_motor_starter.py"), target],
-                           check=True,
-                           env=environment, cwd=folder)
-            with open(target, "rb") as made, open(DRAWING, "rb") as kept:
-                self.assertTrue(made.read() == kept.read(),
-                                "run examples/motor-starter/make_motor_starter.py")
 
     def test_an_audit_finds_nothing(self):
         auditor = self.document.audit()

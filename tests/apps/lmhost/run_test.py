@@ -151,7 +151,7 @@ class Scripts(unittest.TestCase):
         self.assertEqual((run.code, run.output.decode(), run.errors), (0, "novo arquivo.dxf\n", ""))
         self.assertIn("version AC1015", support.Run("info", out).output.decode())
         run = self.run_script('_SAVE "%s"\n(princ "alive")\n' % os.path.join(self.path("none"), "x.dxf"))
-        self.assertEqual((run.code, run.output, len(run.error_lines)), (5, b"alive\n", 1))
+        self.assertEqual((run.code, run.output, len(run.error_lines)), (4, b"alive\n", 1))
 
     def test_commands_and_functions_of_modules(self):
         run = self.run_script('lmgreet "big world"\n_LMGREET\n\n(princ (lmEcho 1 2))\nlmecho a b\n_LMCANCEL\n'
