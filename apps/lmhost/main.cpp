@@ -20,6 +20,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <csignal>
 #include <cstring>
 #include <exception>
 
@@ -201,6 +202,8 @@ int run(const CommandLine& line, lm::host::ToolOutput& out) {
 } // namespace lmhost
 
 int main(int argc, char** argv) {
+    // A file that may not grow further is a failed save with its line and code, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication application(argc, argv);
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const lmhost::CommandLine line = lmhost::readCommandLine(arguments);

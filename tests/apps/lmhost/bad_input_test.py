@@ -46,7 +46,7 @@ class BadInput(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         with open(support.SAMPLE, "rb") as file:
-            cls.sample = file.read()
+            cls.sample = file.read().replace(b"\r\n", b"\n")
 
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="lixo não lido ")
