@@ -3,6 +3,8 @@
 // attributes: what a transform makes of them.
 #include "clone_support.h"
 
+#include "drawing/attributeplace.h"
+
 #include <numbers>
 
 using namespace drawing_test;
@@ -346,4 +348,201 @@ TEST_F(MultiLineTest, StayUnderADefinitionAndMoveOnceWhenTheCallerMovedThem) {
 
 TEST_F(MultiLineTest, TakeTheBoxOfTheirLines) {
     EXPECT_EQ(boxOf(*attribute().get()), boxOf(*attribute()->getMTextAttribute().get()));
+}
+
+// --- the text of lines
+// ----------------------------------------------------------------------------------------------
+
+namespace {
+
+/// As programs write them: the text stands in the lines alone.
+struct EmptyTextTest : testing::Test {
+    OdSmartPtr<OdDbDatabase> db;
+
+    void read(const std::string& contents) {
+        const auto lines = [&](const char* text) {
+            return "101 Embedded Object|70 1|10 7.0|20 8.0|30 0.0|40 2.5|41 30.0|46 4.0|71 1|72 5|" +
+                   std::string(text) + "|73 1|44 1.0";
+        };
+        const std::string head = "|100 AcDbEntity|8 0|100 AcDbText|10 7.0|20 8.0|30 0.0|40 2.5|1 |100 ";
+        const std::string tail = "2 T|70 0|73 0|74 0|280 0|71 2|72 0|11 7.0|21 8.0|31 0.0|";
+        dxf::Parts parts;
+        parts.blockRecords = dxf::Parts::record("BLOCK_RECORD", "30", "1", "B");
+        parts.blocks =
+            dxf::Parts::block("B", "31", "30",
+                              "0 ATTDEF|5 71|330 30" + head + "AcDbAttributeDefinition|280 0|3 p|" + tail +
+                                  lines("1 {\\fArial;def}\\Pault"));
+        parts.entities =
+            "0 INSERT|5 80|330 1F|100 AcDbEntity|8 0|100 AcDbBlockReference|66 1|2 B|10 0.0|20 0.0|30 "
+            "0.0|0 ATTRIB|5 81|330 80" +
+            head + "AcDbAttribute|280 0|" + tail + lines(contents.c_str()) +
+            "|0 SEQEND|5 82|330 80|100 AcDbEntity|8 0";
+        db = readGroups(parts.groups());
+        db->setUndoRecording(true);
+    }
+    OdDbObjectId idOf(unsigned handle) { return db->getOdDbObjectId(OdDbHandle(handle)); }
+    OdSmartPtr<OdDbAttribute> attribute(OdDb::OpenMode mode = OdDb::kForRead) {
+        return open<OdDbAttribute>(idOf(0x81), mode);
+    }
+};
+
+} // namespace
+
+TEST_F(EmptyTextTest, IsWhatTheLinesShow) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"1 one\\Ptwo", "one\ntwo"},
+        {"3 one |1 part", "one part"},
+        {"1 ", ""},
+        {"1 {\\fArial;\\C1;red} \\Lunder\\l \\H2.5x;big\\~blank", "red under big blank"},
+        {"1 \\A1;C:\\\\x \\{brace\\}", "C:\\x {brace}"},
+        {"1 \\S1/2; \\S+1^-2; \\S1#\\;;", "1/2 +1/-2 1/;"},
+        {"1 \\pxqc;centred\\Nnext", "centred\nnext"},
+        {"1 \\Zunknown \\", "\\Zunknown \\"},
+        {"1 \\Fopen", "\\Fopen"},
+        {"1 \\Oover\\o\\Kthrough\\k\\Q15;\\T1;\\W2;\\c255;\\ftxt;x", "overthroughx"}};
+    for (const auto& [contents, text] : rows) {
+        read(contents);
+        EXPECT_EQ(utf8(attribute()->textString()), text) << contents;
+    }
+    EXPECT_EQ(utf8(open<OdDbAttributeDefinition>(idOf(0x71))->textString()), "def\nault");
+}
+
+TEST_F(EmptyTextTest, StaysEmptyInTheFileAsLongAsTheLinesShowIt) {
+    read("1 {one}\\Ptwo");
+    const std::string before = entryOf(*db, idOf(0x81));
+    db->startUndoRecord();
+    attribute(OdDb::kForWrite)->setInvisible(true);
+    const std::string entry = entryOf(*db, idOf(0x81));
+    EXPECT_TRUE(contains(entry, "|1 |")) << entry;
+    EXPECT_TRUE(contains(entry, "|1 {one}\\Ptwo|")) << entry;
+    EXPECT_TRUE(contains(entry, "|70 1|")) << entry;
+    ASSERT_TRUE(db->undo());
+    EXPECT_EQ(entryOf(*db, idOf(0x81)), before);
+    attribute(OdDb::kForWrite)->setTextString(od("one\ntwo"));
+    EXPECT_TRUE(contains(entryOf(*db, idOf(0x81)), "|1 {one}\\Ptwo|"))
+        << "the same text, with its formatting";
+    attribute()->getMTextAttribute()->setContents(od("three"));
+    const std::string changed = entryOf(*db, idOf(0x81));
+    EXPECT_TRUE(contains(changed, "|1 |")) << "the lines alone were changed: " << changed;
+    EXPECT_TRUE(contains(changed, "|1 three|")) << changed;
+}
+
+TEST_F(EmptyTextTest, CanBeSetAndCleared) {
+    read("1 {one}\\Ptwo");
+    attribute(OdDb::kForWrite)->setTextString(od("new\ntext"));
+    std::string entry = entryOf(*db, idOf(0x81));
+    EXPECT_TRUE(contains(entry, "|1 |")) << entry;
+    EXPECT_TRUE(contains(entry, "|1 new\\Ptext|")) << entry;
+    attribute(OdDb::kForWrite)->setTextString(OdString());
+    entry = entryOf(*db, idOf(0x81));
+    EXPECT_EQ(utf8(attribute()->textString()), "");
+    EXPECT_EQ(utf8(attribute()->getMTextAttribute()->contents()), "");
+    EXPECT_FALSE(contains(entry, "new")) << entry;
+}
+
+TEST_F(EmptyTextTest, GoesWithACopy) {
+    read("1 {one}\\Ptwo");
+    OdDbIdMapping mapping;
+    OdArray<OdDbObjectId> ids;
+    ids.append(idOf(0x80));
+    db->deepCloneObjects(ids, db->getModelSpaceId(), mapping);
+    OdDbIdPair pair(idOf(0x81));
+    ASSERT_TRUE(mapping.compute(pair));
+    EXPECT_EQ(utf8(open<OdDbAttribute>(pair.value())->textString()), "one\ntwo");
+    const std::string entry = entryOf(*db, pair.value());
+    EXPECT_TRUE(contains(entry, "|1 |")) << entry;
+    EXPECT_TRUE(contains(entry, "|1 {one}\\Ptwo|")) << entry;
+}
+
+// --- texts of references that turn their block over
+// -----------------------------------------------------------------------------
+
+namespace {
+
+struct Shown {
+    OdGePoint3d at;
+    OdGeVector3d along, up;
+};
+
+Shown shownBy(const OdDbText& text) {
+    const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(text.normal());
+    const double c = std::cos(text.rotation()), s = std::sin(text.rotation());
+    return {plane * text.position(), plane * OdGeVector3d(c, s, 0), plane * OdGeVector3d(-s, c, 0)};
+}
+
+void expectNear(const OdGeVector3d& got, const OdGeVector3d& wanted, const char* what) {
+    EXPECT_NEAR((got - wanted).length(), 0, 1e-9) << what << " " << got.x << " " << got.y << " " << got.z;
+}
+
+} // namespace
+
+TEST_F(EmptyTextTest, ShowsItsFrontUnderANegativeScaleInZ) {
+    read("1 one");
+    const auto definition = open<OdDbAttributeDefinition>(idOf(0x71), OdDb::kForWrite);
+    definition->setPosition({1, 2, 3});
+    definition->setThickness(4);
+    const auto reference = open<OdDbBlockReference>(idOf(0x80), OdDb::kForWrite);
+    reference->setPosition({5, 5, 0});
+    struct Row {
+        OdGeScale3d scale;
+        OdGeVector3d along, up;
+    };
+    const Row rows[] = {{{1, 1, -1}, {1, 0, 0}, {0, 1, 0}},    {{2, 2, -2}, {1, 0, 0}, {0, 1, 0}},
+                        {{2, 1, -1}, {1, 0, 0}, {0, 1, 0}},    {{-1, -1, -1}, {-1, 0, 0}, {0, -1, 0}},
+                        {{-1, 1, -1}, {-1, 0, 0}, {0, -1, 0}}, {{-1, 1, 1}, {-1, 0, 0}, {0, -1, 0}}};
+    for (const Row& row : rows) {
+        reference->setScaleFactors(row.scale);
+        const OdGePoint3d place = reference->blockTransform() * OdGePoint3d(1, 2, 3);
+        OdDbAttribute made;
+        lm::drawing::placeAttribute(made, *definition, *reference);
+        Pieces pieces;
+        ASSERT_EQ(reference->explode(pieces), eOk);
+        const OdSmartPtr<OdDbAttributeDefinition> piece(pieces[0]);
+        for (const OdDbText* text :
+             {static_cast<const OdDbText*>(&made), static_cast<const OdDbText*>(piece.get())}) {
+            const Shown shown = shownBy(*text);
+            expectNear(shown.at - place, {}, "place");
+            expectNear(shown.along, row.along, "along");
+            expectNear(shown.up, row.up, "up");
+            EXPECT_GT(text->normal().z, 0.99);
+            EXPECT_GT(text->height(), 0);
+        }
+        expectNear(piece->getMTextAttributeDefinition()->normal(), {0, 0, 1}, "normal of the lines");
+        expectNear(piece->getMTextAttributeDefinition()->direction(), row.along, "direction of the lines");
+    }
+    EXPECT_EQ(definition->position(), OdGePoint3d(1, 2, 3)) << "the definition stays";
+    EXPECT_EQ(definition->normal(), OdGeVector3d::kZAxis);
+}
+
+TEST_F(EmptyTextTest, RisesToTheSideOfItsBlock) {
+    read("1 one");
+    const auto definition = open<OdDbAttributeDefinition>(idOf(0x71), OdDb::kForWrite);
+    definition->setThickness(4);
+    const auto reference = open<OdDbBlockReference>(idOf(0x80), OdDb::kForWrite);
+    reference->setScaleFactors({1, 1, -1});
+    OdDbAttribute made;
+    lm::drawing::placeAttribute(made, *definition, *reference);
+    EXPECT_DOUBLE_EQ(made.thickness(), -4);
+}
+
+TEST_F(EmptyTextTest, BringsItsLinesToThePlaceOfTheReference) {
+    read("1 one");
+    const auto definition = open<OdDbAttributeDefinition>(idOf(0x71));
+    const auto reference = open<OdDbBlockReference>(idOf(0x80), OdDb::kForWrite);
+    reference->setPosition({100, 200, 0});
+    reference->setRotation(1.5707963267948966);
+    for (const OdGeScale3d& scale : {OdGeScale3d{2, 2, 2}, OdGeScale3d{2, 3, 2}}) {
+        reference->setScaleFactors(scale);
+        OdDbAttribute made;
+        made.setMTextAttribute(
+            OdSmartPtr<OdDbMText>(static_cast<OdDbMText*>(definition->getMTextAttributeDefinition()->clone()),
+                                  lm::drawing::kAttach));
+        lm::drawing::placeAttribute(made, *definition, *reference);
+        const OdSmartPtr<OdDbMText> lines = made.getMTextAttribute();
+        expectNear(lines->location() - OdGePoint3d(100 - 8 * scale.sy, 214, 0), {}, "place");
+        expectNear(lines->direction(), {0, 1, 0}, "direction");
+        EXPECT_NEAR(lines->textHeight(), 2.5 * scale.sy, 1e-9);
+        EXPECT_NEAR(lines->width(), 60, 1e-9);
+    }
+    EXPECT_EQ(definition->getMTextAttributeDefinition()->location(), OdGePoint3d(7, 8, 0));
 }

@@ -55,9 +55,11 @@ TEST(EntityTest, CopiesPropertiesFromAnother) {
     from->setLinetypeScale(2.5);
     from->setLineWeight(35);
     from->setTransparency(0x02000050);
+    from->setVisible(false);
     const auto to = make<OdDbLine>();
     append(*db.get(), to);
     to->setPropertiesFrom(from.get());
+    EXPECT_FALSE(to->isVisible());
     EXPECT_EQ(utf8(to->layer()), "L");
     EXPECT_EQ(to->color(), OdCmColor::fromRgb(1, 2, 3));
     EXPECT_EQ(to->linetypeId(), db->getLinetypeContinuousId());

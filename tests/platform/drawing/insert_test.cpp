@@ -158,6 +158,14 @@ TEST_F(InsertTest, TakesWhatBearsTheNameAlready) {
     EXPECT_EQ(open<OdDbBlockTableRecord>(myBlock)->getBlockReferenceIds().size(), 1u);
 }
 
+TEST_F(InsertTest, TakesWhatBearsTheNameInAnotherCase) {
+    const OdDbObjectId mine = addLayer(*db, "Wires");
+    const OdDbObjectId theirs = addLayer(*symbol, "WIRES");
+    open<OdDbLine>(append(*symbol, make<OdDbLine>()), OdDb::kForWrite)->setLayer(theirs);
+    EXPECT_EQ(part<OdDbLine>(insert(), 0)->layerId(), mine);
+    EXPECT_EQ(namesOf(db->getLayerTableId()), (Strings{"0", "Wires"}));
+}
+
 TEST_F(InsertTest, BringsInnerBlocksWithAttributesAndTheirOwnBlocks) {
     const OdDbObjectId deepest = addBlock(*symbol, "DEEPEST"), inner = addBlock(*symbol, "INNER");
     putIn(deepest, make<OdDbCircle>());

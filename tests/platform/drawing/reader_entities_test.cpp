@@ -187,6 +187,21 @@ TEST(AttributeReader, KnowsAnEmbeddedObjectByItsGroupAndNotByItsWords) {
     });
 }
 
+TEST(AttributeReader, TakesNothingOfSeveralLinesForTheTextsOwn) {
+    dxf::Parts parts = withBlock();
+    const std::string text = "100 AcDbEntity|8 0|100 AcDbText|10 1.0|20 2.0|40 2.5|1 x|72 5|11 3.0|21 4.0|";
+    parts.entities = "0 INSERT|5 100|330 1F|8 0|2 MOTOR|0 ATTRIB|5 101|330 100|" + text +
+                     "100 AcDbAttribute|280 0|2 ONE|70 0|71 1|72 0|11 0.0|21 0.0|0 ATTRIB|5 102|330 100|" +
+                     text + "100 AcDbAttribute|280 0|2 TWO|70 0|280 1|71 1|72 0|11 0.0|21 0.0";
+    inBothForms(parts.groups(), [](OdDbDatabase& db) {
+        for (const char* handle : {"101", "102"}) {
+            const auto attribute = byHandle<OdDbAttribute>(db, handle);
+            EXPECT_EQ(attribute->horizontalMode(), 5) << handle;
+            EXPECT_EQ(attribute->alignmentPoint(), OdGePoint3d(3, 4, 0)) << handle;
+        }
+    });
+}
+
 TEST(AttributeReader, KeepsTheXrecordOfSeveralLinesApart) {
     dxf::Parts parts = withBlock();
     parts.entities = "0 INSERT|5 100|330 1F|8 0|2 MOTOR|0 ATTRIB|5 101|330 100|8 0|10 1.0|20 2.0|40 2.5|1 "

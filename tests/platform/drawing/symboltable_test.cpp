@@ -2,6 +2,10 @@
 // Tables, their records, and layers.
 #include "drawing_support.h"
 
+#include "drawing/recordsearch.h"
+
+#include <chrono>
+
 using namespace drawing_test;
 
 using Names = std::vector<std::string>;
@@ -222,4 +226,74 @@ TEST(LayerTest, RefusesToBeErasedUnderLiveEntitiesAnywhere) {
     EXPECT_EQ(erase(), eCannotBeErased) << "an attribute";
     reference->erase();
     EXPECT_EQ(erase(), eOk) << "an attribute of an erased reference doesn't live";
+}
+
+namespace {
+
+OdDbObjectId called(OdDbDatabase& db, const std::string& name) {
+    return lm::drawing::recordCalled(*layerTable(db), od(name));
+}
+
+} // namespace
+
+TEST(RecordCalled, FollowsNamesAfterItsFirstSearch) {
+    const auto db = newDatabase();
+    const OdDbObjectId first = addLayer(*db, "Page");
+    EXPECT_EQ(called(*db, "PAGE"), first);
+    EXPECT_EQ(called(*db, "Page"), first);
+    EXPECT_TRUE(called(*db, "PAG").isNull());
+    EXPECT_TRUE(called(*db, "").isNull());
+    const OdDbObjectId second = addLayer(*db, "PAGe"); // new ones, and the first of several
+    EXPECT_EQ(called(*db, "page"), first);
+    EXPECT_EQ(called(*db, "PAGe"), second);
+    open<OdDbLayerTableRecord>(first, OdDb::kForWrite)->setName(od("Other"));
+    EXPECT_EQ(called(*db, "page"), second);
+    EXPECT_EQ(called(*db, "OTHER"), first);
+    open<OdDbLayerTableRecord>(second, OdDb::kForWrite)->erase();
+    EXPECT_TRUE(called(*db, "page").isNull());
+    open<OdDbLayerTableRecord>(first, OdDb::kForWrite)->setName(od("pAge")); // a name that it had before
+    EXPECT_EQ(called(*db, "PAGE"), first);
+    EXPECT_TRUE(called(*db, "OTHER").isNull());
+    EXPECT_EQ(called(*db, "\xC3\x81"), OdDbObjectId());
+    const OdDbObjectId accented = addLayer(*db, "\xC3\xA1"); // capitals of letters with accents
+    EXPECT_EQ(called(*db, "\xC3\x81"), accented);
+}
+
+TEST(RecordCalled, FollowsWhatIsTakenBack) {
+    const auto db = newDatabase();
+    db->setUndoRecording(true);
+    const OdDbObjectId layer = addLayer(*db, "Page");
+    EXPECT_EQ(called(*db, "PAGE"), layer);
+    db->startUndoRecord();
+    open<OdDbLayerTableRecord>(layer, OdDb::kForWrite)->setName(od("Other"));
+    const OdDbObjectId added = addLayer(*db, "New");
+    EXPECT_EQ(called(*db, "OTHER"), layer);
+    EXPECT_EQ(called(*db, "NEW"), added);
+    ASSERT_TRUE(db->undo());
+    EXPECT_EQ(called(*db, "PAGE"), layer);
+    EXPECT_TRUE(called(*db, "OTHER").isNull());
+    EXPECT_TRUE(called(*db, "NEW").isNull());
+    ASSERT_TRUE(db->redo());
+    EXPECT_EQ(called(*db, "OTHER"), layer);
+    EXPECT_EQ(called(*db, "NEW"), added);
+}
+
+// A drawing gets its layers one by one, and each is looked for first. Twenty times as many may take as much
+// longer, but not four hundred times.
+TEST(RecordCalled, IsAsQuickAmongManyRecords) {
+    const auto time = [](int layers) {
+        double best = 1e9;
+        for (int round = 0; round < 3; ++round) {
+            const auto db = newDatabase();
+            const auto start = std::chrono::steady_clock::now();
+            for (int i = 0; i < layers; ++i) {
+                const std::string name = "Layer " + std::to_string(i);
+                if (called(*db, name).isNull()) addLayer(*db, name);
+            }
+            const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+            best = std::min(best, spent.count());
+        }
+        return best;
+    };
+    EXPECT_LT(time(10000), 80 * time(500));
 }

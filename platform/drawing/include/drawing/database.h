@@ -90,7 +90,7 @@ public:
     /// Makes model space of another drawing a block of this one. Layers, line types, styles, inner blocks and
     /// application ids come along, found by name first; anonymous inner blocks get the next free number. The
     /// other drawing's base point becomes the block's origin. `preserve` keeps the source as it is, which is
-    /// the only way there is. An empty or existing name gives the null id.
+    /// the only way there is. An empty or existing name gives the null id; a body held apart raises OdError.
     OdDbObjectId insert(const OdString& name, OdDbDatabase* source, bool preserve = true);
     /// Takes out of `ids` everything that a live object or a header variable refers to, one level deep: what
     /// is used by something in `ids` stays used. Layer "0", the current layer, model and paper space are

@@ -65,8 +65,8 @@ public:
     void setTransparency(unsigned int transparency);
     bool isVisible() const { return m_visible; }
     void setVisible(bool visible);
-    /// Takes layer, colour, line type, its scale, line weight and transparency from another entity. In a
-    /// database, one of another drawing raises OdError (eInvalidInput) and changes nothing.
+    /// Takes layer, colour, line type, its scale, line weight, transparency and visibility from another.
+    /// In a database, one of another drawing raises OdError (eInvalidInput) and changes nothing.
     void setPropertiesFrom(const OdDbEntity* other);
 
     /// Moves the entity. eNotApplicable, with nothing changed, for a transform that the class can't take.

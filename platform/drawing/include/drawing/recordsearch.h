@@ -12,7 +12,8 @@ namespace lm::drawing {
 LM_DRAWING_API bool isValidName(WideView name, bool barAllowed = false) noexcept;
 
 /// The record of a name: of this very name, else the first live one whose name differs in its case only. Null
-/// where there is none; then the time follows the number of records.
+/// where there is none. The first search of a table without this very name reads the names of all its
+/// records.
 LM_DRAWING_API OdDbObjectId recordCalled(const OdDbSymbolTable& table, const OdString& name);
 
 } // namespace lm::drawing

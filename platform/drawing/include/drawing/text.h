@@ -100,7 +100,7 @@ public:
     /// the contents with their formatting.
     void setTextString(const OdString& text) override;
     bool isMTextAttribute() const { return m_mtext.get() != nullptr; }
-    /// The multi-line form, null when the attribute has none.
+    /// The multi-line form, null for none. Where it comes to an empty text, the text is what its lines show.
     OdSmartPtr<OdDbMText> getMTextAttribute() const;
     void setMTextAttribute(OdSmartPtr<OdDbMText> mtext);
     /// Initialises the attribute from a definition under a matrix, such as the blockTransform of its

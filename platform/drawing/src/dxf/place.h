@@ -24,13 +24,14 @@ public:
             m_embedded = true;
             return false;
         case kSubclass:
-            if (stripped(group.raw()) == kXrecordMark) m_xrecord = true;
+            subclass(stripped(group.raw()));
             return false;
         case kComment:
             return false;
         case kLocked:
             // An attribute of R2010 and later has its version under this code, and then whether it is locked.
-            // Behind it stands what it is for its multi-line text, under codes of the text.
+            // Behind it stands what it is for its multi-line text, under codes of the text. Some programs
+            // write one of the two only.
             if (!m_braces) ++m_locks;
             break;
         case 71:
@@ -38,7 +39,7 @@ public:
         case 11:
         case 21:
         case 31:
-            if (m_locks >= 2) return false;
+            if (m_locks >= (m_attribute ? 1 : 2)) return false;
             break;
         default:
             break;
@@ -49,6 +50,11 @@ public:
     bool isXrecord() const { return m_xrecord; }
 
 private:
+    void subclass(std::string_view mark) {
+        if (mark == kXrecordMark) m_xrecord = true;
+        if (mark == "AcDbAttribute" || mark == "AcDbAttributeDefinition") m_attribute = true;
+    }
+
     static constexpr int kSubclass = 100;
     static constexpr int kEmbedded = 101;
     static constexpr int kBraces = 102;
@@ -57,6 +63,7 @@ private:
     static constexpr std::string_view kXrecordMark = "AcDbXrecord";
 
     int m_locks = 0;
+    bool m_attribute = false; // behind the mark of its own fields, where those of its text have ended
     bool m_braces = false;
     bool m_embedded = false;
     bool m_xrecord = false;

@@ -241,6 +241,7 @@ struct ClassSpecs {
     static bool valueOfLayerTrueColor(const OdDbObject& o, const ValueContext&, Value& v) {
         return trueColorOf(static_cast<const OdDbLayerTableRecord&>(o).m_color, v);
     }
+    static void clear(OdDbPolyline& polyline) { polyline.m_vertices.clear(); }
     static void readVertexX(OdDbObject& o, const Group& g, ReadContext& c) {
         static_cast<OdDbPolyline&>(o).m_vertices.push_back({{c.real(g), 0}});
     }
@@ -616,6 +617,10 @@ const KindSpec& specOf(const Node& node) {
         return all.byKind[node.kind];
     if (node.has(Node::kEntity)) return all.unreadEntity;
     return node.has(Node::kTableRecord) ? all.unreadRecord : all.unreadObject;
+}
+
+void clearVertices(OdDbPolyline& polyline) {
+    ClassSpecs::clear(polyline);
 }
 
 const ClassSpec& mtextSpec() {

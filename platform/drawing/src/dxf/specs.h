@@ -6,6 +6,8 @@
 
 #include "dxf/outgroups.h"
 
+#include "drawing/curves.h"
+
 #include <functional>
 #include <span>
 
@@ -80,6 +82,9 @@ const KindSpec& specOf(const Node& node);
 /// Fields of multi-line text, as an entity and embedded in an attribute; fields of the head of a block.
 const ClassSpec& mtextSpec();
 const ClassSpec& blockSpec();
+
+/// Takes all vertices out of a polyline that may be changed.
+void clearVertices(OdDbPolyline& polyline);
 
 /// All specs of classes with fields, for checks and documentation.
 std::vector<const ClassSpec*> allSpecs();

@@ -33,6 +33,8 @@ struct Change {
     std::function<void()> write;
 };
 
+struct StoredBody;
+
 class DrawingWriter {
 public:
     DrawingWriter(DatabaseData& data, const WriteOptions& options, const FileForm& form,
@@ -77,6 +79,10 @@ private:
     const Section* section(std::string_view name) const;
     static std::uint64_t endOf(const Section& section) { return section.offset + section.length; }
     std::uint64_t endOf(const Node& node) const { return node.offset + node.length; }
+
+    // write_bodies.cpp: what newer files hold apart from their entities
+    void planBodies();
+    void writeBody(const Node& node, const StoredBody& body);
 
     // write_new.cpp: what has no place in the source
     void writeSection(std::string_view name);

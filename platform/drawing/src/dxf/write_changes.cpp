@@ -30,6 +30,7 @@ void DrawingWriter::planChanges() {
     planTables();
     planBlocks();
     planEntries();
+    planBodies();
     planSections();
     planEnd();
     planHeader(); // last, since it tells the handles that the others took

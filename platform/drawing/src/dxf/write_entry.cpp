@@ -3,9 +3,12 @@
 
 #include "dxf/upgrade.h"
 #include "dxf/write_chains.h"
+#include "model/linetext.h"
 #include "model/names.h"
 
 #include "drawing/blockreference.h"
+
+#include <optional>
 
 namespace lm::drawing {
 
@@ -132,10 +135,58 @@ void EntryMaker::editPaper(OutGroups& groups, const Node& node) {
     if (standsInPaper(node)) setField(groups, layoutOfOthers(true), OutGroup::integer(kPaper, 1));
 }
 
+namespace {
+
+/// The text of an attribute whose file has it in the lines alone: it is no value of its own, and stays out of
+/// the field as long as it is what the lines show.
+class TextOfLines {
+public:
+    TextOfLines(const OutGroups& groups, const OdDbObject& body) {
+        const auto* attribute = OdDbAttribute::cast(&body);
+        const auto* definition = OdDbAttributeDefinition::cast(&body);
+        if (attribute != nullptr && attribute->isMTextAttribute())
+            m_isIt = shows(groups, *attribute, attribute->getMTextAttribute()->contents());
+        if (definition != nullptr && definition->isMTextAttributeDefinition())
+            m_isIt = shows(groups, *definition, definition->getMTextAttributeDefinition()->contents());
+    }
+    /// Puts the field back as it was.
+    void restore(OutGroups& groups) const {
+        const std::size_t now = m_isIt ? findField(groups, kText) : groups.size();
+        if (now == groups.size()) return;
+        if (m_was)
+            groups[now] = *m_was;
+        else
+            groups.erase(at(groups, now));
+    }
+
+private:
+    static constexpr int kText = 1, kPart = 3;
+
+    bool shows(const OutGroups& groups, const OdDbText& text, const OdString& contents) {
+        const std::size_t field = findField(groups, kText);
+        if (field != groups.size()) m_was = groups[field];
+        if (m_was && !textOf(*m_was).isEmpty()) return false;
+        // By the lines of the file too: who changed them through the attribute has said nothing of its text.
+        OdString read;
+        forPlaces(groups, [&](std::size_t i, bool, bool embedded) {
+            if (embedded && (groups[i].code == kText || groups[i].code == kPart))
+                read = read + textOf(groups[i]);
+        });
+        return text.textString() == plainTextOf(contents) || text.textString() == plainTextOf(read);
+    }
+
+    std::optional<OutGroup> m_was;
+    bool m_isIt = false;
+};
+
+} // namespace
+
 void EntryMaker::editBody(OutGroups& groups, Node& node, const ReadGroups& read) {
     const OdDbObject& body = *node.body;
     const std::span<const LayoutItem> layout = layoutFor(node);
+    const TextOfLines text(groups, body);
     editFields(groups, body, *specOf(node).fields, layout, read);
+    text.restore(groups);
     if (const auto* polyline = OdDbPolyline::cast(&body)) editVertices(groups, *polyline);
     if (const auto* text = OdDbMText::cast(&body)) editContents(groups, *text, layout);
     if (const auto* record = OdDbXrecord::cast(&body)) editRecords(groups, *record);

@@ -43,13 +43,13 @@ constexpr auto kAttributeVersion = FileVersion::kR2010;
 #define LM_RECORD kHandle, kOwner, mark("AcDbSymbolTableRecord")
 #define LM_POINT(kind, code) kind(code), kind(code + 10), kind(code + 20)
 
-constexpr I kLine[] = {LM_ENTITY, mark("AcDbLine"), LM_POINT(field, 10), LM_POINT(field, 11)};
-constexpr I kPoint[] = {LM_ENTITY, mark("AcDbPoint"), LM_POINT(field, 10)};
-constexpr I kCircle[] = {LM_ENTITY, mark("AcDbCircle"), LM_POINT(field, 10), field(40),
-                         LM_POINT(option, 210)};
-constexpr I kArc[] = {
-    LM_ENTITY, mark("AcDbCircle"), LM_POINT(field, 10), field(40), LM_POINT(option, 210), mark("AcDbArc"),
-    field(50), field(51)};
+constexpr I kLine[] = {LM_ENTITY, mark("AcDbLine"), option(39), LM_POINT(field, 10), LM_POINT(field, 11)};
+constexpr I kPoint[] = {LM_ENTITY, mark("AcDbPoint"), LM_POINT(field, 10), option(39)};
+constexpr I kCircle[] = {LM_ENTITY,           mark("AcDbCircle"), option(39),
+                         LM_POINT(field, 10), field(40),          LM_POINT(option, 210)};
+constexpr I kArc[] = {LM_ENTITY,           mark("AcDbCircle"), option(39),
+                      LM_POINT(field, 10), field(40),          LM_POINT(option, 210),
+                      mark("AcDbArc"),     field(50),          field(51)};
 constexpr I kEllipse[] = {LM_ENTITY,
                           mark("AcDbEllipse"),
                           LM_POINT(field, 10),
@@ -58,9 +58,17 @@ constexpr I kEllipse[] = {LM_ENTITY,
                           field(40),
                           field(41),
                           field(42)};
-constexpr I kPolyline[] = {
-    LM_ENTITY, mark("AcDbPolyline"), field(90), field(70), option(38), list(10), list(20),
-    list(42),  LM_POINT(option, 210)};
+constexpr I kPolyline[] = {LM_ENTITY,
+                           mark("AcDbPolyline"),
+                           field(90),
+                           field(70),
+                           option(43),
+                           option(38),
+                           option(39),
+                           list(10),
+                           list(20),
+                           list(42),
+                           LM_POINT(option, 210)};
 // What texts, attributes and their definitions begin with.
 #define LM_TEXT                                                                                              \
     LM_ENTITY, mark("AcDbText"), option(39), LM_POINT(field, 10), field(40), field(1), option(50),           \
@@ -90,8 +98,8 @@ constexpr I kDefinition[] = {LM_TEXT,
 #define LM_MTEXT_END                                                                                         \
     list(3), list(1), option(7), LM_POINT(option, 210), LM_POINT(option, 11), option(50), integer(73, 1),    \
         real(44, 1)
-constexpr I kMText[] = {LM_ENTITY, mark("AcDbMText"), LM_POINT(field, 10), field(40),
-                        field(41), field(71),         integer(72, 5),      LM_MTEXT_END};
+constexpr I kMText[] = {LM_ENTITY,  mark("AcDbMText"), LM_POINT(field, 10), field(40),   field(41),
+                        option(46), field(71),         integer(72, 5),      LM_MTEXT_END};
 constexpr I kEmbeddedMText[] = {LM_POINT(field, 10), field(40),      field(41),   real(46, 0),
                                 field(71),           integer(72, 5), LM_MTEXT_END};
 constexpr I kInsert[] = {LM_ENTITY,
@@ -103,6 +111,10 @@ constexpr I kInsert[] = {LM_ENTITY,
                          option(42),
                          option(43),
                          option(50),
+                         option(70),
+                         option(71),
+                         option(44),
+                         option(45),
                          LM_POINT(option, 210)};
 constexpr I kSeqend[] = {kHandle, kOwner, mark("AcDbEntity"), I{I::kPaper, 67}, field(8)};
 

@@ -280,7 +280,9 @@ void Cloner::translateRaw(Made& made) {
     const Source& form = *raw->form();
     GroupTranslation translation;
     translation.handle = [&](const RawHandle& handle) -> std::uint64_t {
-        if (handle.place == HandlePlace::kOwn) return node.handle;
+        // Inside one drawing it goes on telling what this is a copy of: a body that the file holds apart is
+        // found by it.
+        if (handle.place == HandlePlace::kOwn) return crosses() ? node.handle : handle.handle;
         if (handle.place == HandlePlace::kOwner) return node.owner != nullptr ? node.owner->handle : 0;
         return handle.handle != 0 ? translated(handle) : 0;
     };

@@ -167,6 +167,8 @@ struct ObjectAccess {
     static void expectNames(OdDbSymbolTable& table, std::size_t names);
     static void leaveName(OdDbSymbolTable& table, const OdString& name, Node* node);
     static Node* findName(const OdDbSymbolTable& table, const OdString& name);
+    /// The first live record of a table in a database whose name differs from this one in its case at most.
+    static Node* findFolded(const OdDbSymbolTable& table, WideView name);
     /// The live vertices of an entity, whether it is in a database or not.
     static std::vector<OdDbEntity*> partsOf(const OdDbUnreadEntity& entity);
     static void addPart(OdDbUnreadEntity& entity, OdSmartPtr<OdDbEntity> part);

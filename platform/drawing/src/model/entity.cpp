@@ -84,6 +84,7 @@ void OdDbEntity::setPropertiesFrom(const OdDbEntity* other) {
     m_lineWeight = other->m_lineWeight;
     m_transparency = other->m_transparency;
     m_linetypeScale = other->m_linetypeScale;
+    m_visible = other->m_visible;
 }
 
 OdResult OdDbEntity::transformBy(const OdGeMatrix3d&) {

@@ -13,9 +13,10 @@ void addCopy(const OdDbBlockReference& reference, int column, int row, OdDbObjec
     const OdGeMatrix3d matrix = OdGeMatrix3d::translation(lm::drawing::arrayShift(reference, column, row)) *
                                 reference.blockTransform();
     for (walk.start(); !walk.done(); walk.step()) {
-        auto* const copy = static_cast<OdDbEntity*>(lm::drawing::cloneOutside(*walk.entity().get()));
-        lm::drawing::addPieces(OdSmartPtr<OdDbEntity>(copy, lm::drawing::kAttach),
-                               reference.blockTableRecord().database(), matrix, pieces);
+        const OdSmartPtr<OdDbEntity> copy(
+            static_cast<OdDbEntity*>(lm::drawing::cloneOutside(*walk.entity().get())), lm::drawing::kAttach);
+        if (reference.scaleFactors().sz < 0) lm::drawing::turnTextOver(*copy);
+        lm::drawing::addPieces(copy, reference.blockTableRecord().database(), matrix, pieces);
     }
 }
 

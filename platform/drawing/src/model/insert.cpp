@@ -2,7 +2,10 @@
 // Model space of another drawing as a block of this one.
 #include "model/cloner.h"
 
+#include "dxf/storedbodies.h"
 #include "model/names.h"
+
+#include "drawing/recordsearch.h"
 
 #include <deque>
 
@@ -134,7 +137,9 @@ private:
         if (target.kind == kKindBlockRecord && isAnonymousName(name.view()))
             return record(target, *table, freeRecordName(m_to, *table, name));
         if (!name.isEmpty())
-            if (Node* const there = m_to.tableRecord(table, name)) return there;
+            if (Node* const there =
+                    recordCalled(static_cast<OdDbSymbolTable&>(*m_to.bodyOf(table)), name).node())
+                return there; // in either case: other programs take both for one
         return record(target, *table, name);
     }
 
@@ -184,6 +189,24 @@ private:
     std::deque<Due> m_due; ///< blocks whose entities are to be cloned
 };
 
+/// Whether an entity stands where it comes along: in model space, or in a block that something shows.
+bool comesAlong(DatabaseData& from, const Node& entity) {
+    Node* const owner = entity.owner;
+    if (!entity.isLive() || owner == nullptr || owner == from.fixed.modelSpace) return entity.isLive();
+    auto* const block = OdDbBlockTableRecord::cast(from.bodyOf(owner));
+    return block != nullptr && !ObjectAccess::references(*block).empty();
+}
+
+/// Bodies that the file holds apart from their entities would stay behind, and the entities would be empty.
+void refuseStoredBodies(DatabaseData& from) {
+    for (const StoredBody& body : storedBodiesOf(from))
+        if (comesAlong(from, *body.entity))
+            throw OdError(eNotApplicable, odText(std::string(from.kinds.name(body.entity->kind)) + " " +
+                                                 utf8(OdDbHandle(body.entity->handle).ascii()) +
+                                                 " has its body in a part of the file that can't be "
+                                                 "brought to another drawing"));
+}
+
 } // namespace
 
 } // namespace lm::drawing
@@ -195,6 +218,7 @@ OdDbObjectId OdDbDatabase::insert(const OdString& name, OdDbDatabase* source, bo
     DatabaseData& from = source->data();
     if (data.fixed.blockTable == nullptr || from.fixed.modelSpace == nullptr) return OdDbObjectId::kNull;
     if (data.tableRecord(data.fixed.blockTable, name) != nullptr) return OdDbObjectId::kNull;
+    refuseStoredBodies(from);
     OdDbIdMapping pairs; // of this call alone
     return Importer(from, data, pairs).run(name);
 }

@@ -7,7 +7,10 @@
 
 #include "drawing/symboltable.h"
 
+#include <algorithm>
+#include <span>
 #include <unordered_map>
+#include <vector>
 
 namespace lm::drawing {
 
@@ -59,6 +62,29 @@ private:
         std::size_t operator()(const Key& key) const noexcept { return key.hash; }
     };
     std::unordered_map<Key, Entry, KnownHash> m_entries;
+};
+
+/// From names without their case to the entries that have such a name or had one: whoever asks looks whether
+/// an entry still has it. Nothing is ever taken out, so that undoing needs no look-up of what was there.
+class FoldedNames {
+public:
+    void add(WideView name, Node* node) {
+        std::vector<Node*>& nodes = m_entries[foldedName(name)];
+        if (std::find(nodes.begin(), nodes.end(), node) == nodes.end()) nodes.push_back(node);
+    }
+    std::span<Node* const> find(WideView name) const {
+        const auto found = m_entries.find(foldedName(name));
+        if (found == m_entries.end()) return {};
+        return found->second;
+    }
+
+private:
+    static WideString foldedName(WideView name) {
+        WideString folded(name);
+        for (WideChar& unit : folded) unit = system::toLower(unit);
+        return folded;
+    }
+    std::unordered_map<WideString, std::vector<Node*>, WideHash, WideSame> m_entries;
 };
 
 /// Whether a block of this name is model space or a paper layout: "*Model_Space", "*Paper_Space" and

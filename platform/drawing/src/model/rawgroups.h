@@ -8,8 +8,8 @@
 // asks groupsOf, and finds nothing in there that belongs to another object:
 //
 // - own handle (5, 105), owner (330 in front of the first 100) and extended data (1000 and up) are the node's
-// and
-//   the body's; groups with these codes may be in there with any value, or be missing, and count for nothing
+//   and the body's; groups with these codes may be in there with any value, or be missing, and count for
+//   nothing, but that a copy inside the drawing keeps the handle of what it was copied from, if it has any
 // - handles in all other places are valid in the database of the node, or 0
 // - what the class reads may stand in there with an old value: the body's fields count
 // - a copied POLYLINE or INSERT has no SEQEND among its parts: whoever writes parts closes their list

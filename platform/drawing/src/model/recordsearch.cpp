@@ -19,19 +19,7 @@ bool isValidName(WideView name, bool barAllowed) noexcept {
 
 OdDbObjectId recordCalled(const OdDbSymbolTable& table, const OdString& name) {
     if (const OdDbObjectId id = table.getAt(name); !id.isNull() || !table.isDBRO()) return id;
-    if (name.isEmpty()) return OdDbObjectId();
-    DatabaseData& data = table.database()->data();
-    const WideView wanted = name.view();
-    const WideChar last = system::toLower(wanted.back());
-    for (Node* node = table.objectId().node()->firstPart; node != nullptr; node = node->next) {
-        const OdDbObject* const body = node->body != nullptr ? node->body : data.bodyOf(node);
-        if (body == nullptr) continue;
-        // Names that are made in numbers differ in their last sign, so that is looked at first.
-        const WideView there = static_cast<const OdDbSymbolTableRecord*>(body)->getName().view();
-        if (there.size() != wanted.size() || system::toLower(there.back()) != last) continue;
-        if (node->isLive() && system::equalsNoCase(there, wanted)) return OdDbObjectId(node);
-    }
-    return OdDbObjectId();
+    return OdDbObjectId(name.isEmpty() ? nullptr : ObjectAccess::findFolded(table, name.view()));
 }
 
 } // namespace lm::drawing

@@ -119,23 +119,6 @@ void addPolyline(OdSmartPtr<OdDbPolyline> polyline, const OdGeMatrix3d& matrix,
     pieces.append(polyline);
 }
 
-void stretchMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
-    OdGeVector3d along = text.direction();
-    if (along == OdGeVector3d::kXAxis && text.rotation() != 0)
-        along = OdGeMatrix3d::planeToWorld(text.normal()) *
-                OdGeVector3d(std::cos(text.rotation()), std::sin(text.rotation()), 0);
-    const OdGeVector3d direction = matrix * along;
-    const OdGeVector3d normal = movedNormal(matrix, text.normal());
-    const OdGeVector3d up = matrix * text.normal().crossProduct(unit(along, OdGeVector3d::kXAxis));
-    const OdGeVector3d upright = normal.crossProduct(unit(direction, OdGeVector3d::kXAxis));
-    const double before = along.length();
-    text.setLocation(matrix * text.location());
-    text.setDirection(unit(direction, along));
-    text.setNormal(normal);
-    text.setTextHeight(text.textHeight() * std::fabs(up.dotProduct(upright)));
-    if (before > 0) text.setWidth(text.width() * direction.length() / before);
-}
-
 /// The picture of a dimension as a reference to its block; null for another entity.
 OdSmartPtr<OdDbBlockReference> pictureOf(const OdDbEntity& entity, const OdDbDatabase* database) {
     const RawPointer raw = rawGroupsOf(entity);
@@ -174,6 +157,23 @@ void stretchText(OdDbText& text, const OdGeMatrix3d& matrix) {
     text.setNormal(normal);
 }
 
+void stretchMText(OdDbMText& text, const OdGeMatrix3d& matrix) {
+    OdGeVector3d along = text.direction();
+    if (along == OdGeVector3d::kXAxis && text.rotation() != 0)
+        along = OdGeMatrix3d::planeToWorld(text.normal()) *
+                OdGeVector3d(std::cos(text.rotation()), std::sin(text.rotation()), 0);
+    const OdGeVector3d direction = matrix * along;
+    const OdGeVector3d normal = movedNormal(matrix, text.normal());
+    const OdGeVector3d up = matrix * text.normal().crossProduct(unit(along, OdGeVector3d::kXAxis));
+    const OdGeVector3d upright = normal.crossProduct(unit(direction, OdGeVector3d::kXAxis));
+    const double before = along.length();
+    text.setLocation(matrix * text.location());
+    text.setDirection(unit(direction, along));
+    text.setNormal(normal);
+    text.setTextHeight(text.textHeight() * std::fabs(up.dotProduct(upright)));
+    if (before > 0) text.setWidth(text.width() * direction.length() / before);
+}
+
 void stretchWithLines(OdDbText& text, const OdGeMatrix3d& matrix) {
     stretchText(text, matrix);
     OdSmartPtr<OdDbMText> lines;
@@ -181,6 +181,39 @@ void stretchWithLines(OdDbText& text, const OdGeMatrix3d& matrix) {
     if (const auto* definition = OdDbAttributeDefinition::cast(&text))
         lines = definition->getMTextAttributeDefinition();
     if (!lines.isNull()) stretchMText(*lines.get(), matrix);
+}
+
+namespace {
+
+/// Mirrors in the plane in which a text lies.
+OdGeMatrix3d mirrorIn(const OdGePoint3d& point, const OdGeVector3d& normal) {
+    OdGeMatrix3d mirror;
+    const double n[] = {normal.x, normal.y, normal.z};
+    for (int i = 0; i < 3; ++i)
+        for (int k = 0; k < 3; ++k) mirror.entry[i][k] = (i == k ? 1 : 0) - 2 * n[i] * n[k];
+    return OdGeMatrix3d::translation(point.asVector()) * mirror *
+           OdGeMatrix3d::translation(-point.asVector());
+}
+
+bool liesFlat(const OdGeVector3d& normal) {
+    return std::fabs(normal.z) > std::hypot(normal.x, normal.y);
+}
+
+} // namespace
+
+void turnTextOver(OdDbEntity& entity) {
+    if (auto* const text = OdDbText::cast(&entity)) {
+        const OdGeVector3d normal = unit(text->normal(), OdGeVector3d::kZAxis);
+        if (!liesFlat(normal)) return;
+        text->transformBy(mirrorIn(OdGeMatrix3d::planeToWorld(normal) * text->position(), normal));
+        text->setThickness(-text->thickness()); // it rises to the same side as before
+    } else if (auto* const lines = OdDbMText::cast(&entity)) {
+        const OdGeVector3d normal = unit(lines->normal(), OdGeVector3d::kZAxis);
+        if (liesFlat(normal)) lines->transformBy(mirrorIn(lines->location(), normal));
+    } else if (auto* const reference = OdDbBlockReference::cast(&entity)) {
+        const OdSmartPtr<OdDbObjectIterator> walk = attributesOf(*reference);
+        for (walk->start(); !walk->done(); walk->step()) turnTextOver(*walk->entity());
+    }
 }
 
 OdGeVector3d arrayShift(const OdDbBlockReference& reference, int column, int row) {

@@ -11,8 +11,16 @@ namespace lm::drawing {
 /// readable.
 void stretchText(OdDbText& text, const OdGeMatrix3d& matrix);
 
+/// Moves a multi-line text by any transform.
+void stretchMText(OdDbMText& text, const OdGeMatrix3d& matrix);
+
 /// Moves a text by any transform, and its multi-line form where it has one.
 void stretchWithLines(OdDbText& text, const OdGeMatrix3d& matrix);
+
+/// Turns a text over that lies flat in its block: it shows its back in the same place. Of a reference these
+/// are the attributes; other entities stay. A reference that turns its block upside down shows the texts
+/// from the front all the same, and so they are turned over before they move with it.
+void turnTextOver(OdDbEntity& entity);
 
 /// How far the copy of an array in a column and a row, counted from 0, stands from the first one.
 OdGeVector3d arrayShift(const OdDbBlockReference& reference, int column, int row);

@@ -49,6 +49,7 @@ OdSmartPtr<OdDbSymbolTableRecord> OdDbSymbolTableIterator::getRecord(OdDb::OpenM
 /// Names of a table with their entries, the live one first where an erased record had the same name.
 struct OdDbSymbolTable::Names {
     lm::drawing::NameMap map;
+    std::unique_ptr<lm::drawing::FoldedNames> folded; ///< null before the first search without case
 };
 
 OdDbSymbolTable::OdDbSymbolTable() : m_names(std::make_unique<Names>()) {}
@@ -114,18 +115,57 @@ void fileName(const OdDbSymbolTable& table, const OdString& name, Node* before, 
 
 void ObjectAccess::enterName(OdDbSymbolTable& table, const OdString& name, Node* node) {
     fileName(table, name, table.m_names->map.find(name.view()), node);
-    table.m_names->map.set(name, node);
+    setNamed(table, name, node);
 }
 
 void ObjectAccess::setNamed(OdDbSymbolTable& table, const OdString& name, Node* node) {
-    if (node != nullptr)
-        table.m_names->map.set(name, node);
-    else
+    if (node == nullptr) {
         table.m_names->map.remove(name.view());
+        return;
+    }
+    table.m_names->map.set(name, node);
+    if (table.m_names->folded != nullptr) table.m_names->folded->add(name.view(), node);
 }
 
 bool ObjectAccess::enterNewName(OdDbSymbolTable& table, const OdString& name, Node* node) {
+    if (table.m_names->folded != nullptr) table.m_names->folded->add(name.view(), node);
     return table.m_names->map.add(name, node);
+}
+
+namespace {
+
+const OdString* nameOf(DatabaseData& data, Node* node) {
+    const auto* record = OdDbSymbolTableRecord::cast(data.bodyOf(node));
+    return record != nullptr ? &record->getName() : nullptr;
+}
+
+} // namespace
+
+Node* ObjectAccess::findFolded(const OdDbSymbolTable& table, WideView name) {
+    DatabaseData& data = table.database()->data();
+    Node* const first = table.objectId().node()->firstPart;
+    std::unique_ptr<FoldedNames>& folded = table.m_names->folded;
+    if (folded == nullptr) {
+        auto made = std::make_unique<FoldedNames>();
+        for (Node* node = first; node != nullptr; node = node->next)
+            if (const OdString* const there = nameOf(data, node)) made->add(there->view(), node);
+        folded = std::move(made);
+    }
+    // A record that was renamed or erased may still be told for a name that it had.
+    const auto fits = [&](Node* node) {
+        const OdString* const there = node->isLive() ? nameOf(data, node) : nullptr;
+        return there != nullptr && system::equalsNoCase(there->view(), name);
+    };
+    Node* found = nullptr;
+    for (Node* const node : folded->find(name)) {
+        if (!fits(node)) continue;
+        if (found != nullptr) { // the first in drawing order, which the index doesn't know
+            for (found = first; !fits(found);) found = found->next;
+            return found;
+        }
+        found = node;
+    }
+    return found;
 }
 
 void ObjectAccess::expectNames(OdDbSymbolTable& table, std::size_t names) {

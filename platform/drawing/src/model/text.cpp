@@ -2,6 +2,7 @@
 #include "drawing/text.h"
 
 #include "base/rxclass.h"
+#include "model/linetext.h"
 #include "model/transform.h"
 
 LM_RX_DEFINE(OdDbText, OdDbEntity)
@@ -105,27 +106,6 @@ OdResult OdDbText::transformBy(const OdGeMatrix3d& matrix) {
     return eOk;
 }
 
-namespace {
-
-/// The contents of a multi-line text that show a text: its codes stand for themselves.
-OdString contentsOf(const OdString& text) {
-    lm::WideString out;
-    const lm::WideView view = text.view();
-    for (std::size_t i = 0; i < view.size(); ++i) {
-        const lm::WideChar unit = view[i];
-        if (unit == '\r' && i + 1 < view.size() && view[i + 1] == '\n') continue;
-        if (unit == '\n') {
-            out += lm::WideString{'\\', 'P'};
-            continue;
-        }
-        if (unit == '\\' || unit == '{' || unit == '}') out.push_back('\\');
-        out.push_back(unit);
-    }
-    return OdString(lm::WideView(out));
-}
-
-} // namespace
-
 OdDbAttribute::OdDbAttribute() = default;
 OdDbAttribute::~OdDbAttribute() = default;
 
@@ -160,7 +140,7 @@ OdDbAttribute& OdDbAttribute::operator=(const OdDbAttribute& other) {
 void OdDbAttribute::setTextString(const OdString& text) {
     const bool same = text == textString();
     OdDbText::setTextString(text);
-    if (m_mtext != nullptr && !same) m_mtext->setContents(contentsOf(text));
+    if (m_mtext != nullptr && !same) m_mtext->setContents(lm::drawing::contentsOf(text));
 }
 
 OdResult OdDbAttribute::transformBy(const OdGeMatrix3d& matrix) {
@@ -191,6 +171,9 @@ OdSmartPtr<OdDbMText> OdDbAttribute::getMTextAttribute() const {
 void OdDbAttribute::setMTextAttribute(OdSmartPtr<OdDbMText> mtext) {
     beginChange();
     m_mtext = hold(mtext);
+    // As a text alone, so that the formatting of the lines stays.
+    if (m_mtext != nullptr && textString().isEmpty())
+        OdDbText::setTextString(lm::drawing::plainTextOf(m_mtext->contents()));
 }
 
 OdDbAttributeDefinition::OdDbAttributeDefinition() = default;
@@ -213,7 +196,7 @@ OdDbAttributeDefinition& OdDbAttributeDefinition::operator=(const OdDbAttributeD
 void OdDbAttributeDefinition::setTextString(const OdString& text) {
     const bool same = text == textString();
     OdDbText::setTextString(text);
-    if (m_mtext != nullptr && !same) m_mtext->setContents(contentsOf(text));
+    if (m_mtext != nullptr && !same) m_mtext->setContents(lm::drawing::contentsOf(text));
 }
 
 OdResult OdDbAttributeDefinition::transformBy(const OdGeMatrix3d& matrix) {
@@ -254,6 +237,9 @@ OdSmartPtr<OdDbMText> OdDbAttributeDefinition::getMTextAttributeDefinition() con
 void OdDbAttributeDefinition::setMTextAttributeDefinition(OdSmartPtr<OdDbMText> mtext) {
     beginChange();
     m_mtext = hold(mtext);
+    // As a text alone, so that the formatting of the lines stays.
+    if (m_mtext != nullptr && textString().isEmpty())
+        OdDbText::setTextString(lm::drawing::plainTextOf(m_mtext->contents()));
 }
 
 void OdDbMText::setContents(const OdString& text) {

@@ -3,8 +3,12 @@
 #include "drawing/abstractview.h"
 
 #include "base/rxclass.h"
-#include "model/databasedata.h"
 #include "model/extents.h"
+
+#include "drawing/database.h"
+#include "drawing/partwalk.h"
+
+#include <unordered_map>
 
 LM_RX_DEFINE_ABSTRACT(OdAbstractViewPE, OdRxObject)
 
@@ -38,12 +42,24 @@ private:
 
 Registration g_registration;
 
-/// Whether what stands on a layer is shown.
-bool isShown(const OdDbEntity& entity) {
-    const OdDbLayerTableRecord* const layer =
-        OdDbLayerTableRecord::cast(entity.layerId().openObject(OdDb::kForRead, true).get());
-    return layer == nullptr || (!layer->isFrozen() && !layer->isOff());
-}
+/// Tells which entities are shown. Each layer is looked at once: most of a drawing stands on a few hidden
+/// ones, and what stands there isn't measured.
+class ShownLayers {
+public:
+    bool isShown(const OdDbEntity& entity) {
+        const OdDbObjectId layer = entity.layerId();
+        const auto [at, isNew] = m_known.try_emplace(layer.node(), true);
+        if (isNew) at->second = isShown(layer);
+        return at->second;
+    }
+
+private:
+    static bool isShown(OdDbObjectId id) {
+        const auto* const layer = OdDbLayerTableRecord::cast(id.openObject(OdDb::kForRead, true).get());
+        return layer == nullptr || (!layer->isFrozen() && !layer->isOff());
+    }
+    std::unordered_map<const lm::drawing::Node*, bool> m_known;
+};
 
 } // namespace
 
@@ -58,15 +74,11 @@ void setViewProtocol(bool present) {
 void OdDbViewportTableRecord::zoomExtents() {
     if (!isDBRO()) throw OdError(eNotInDatabase);
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
-    lm::drawing::DatabaseData& data = database()->data();
-    if (data.fixed.modelSpace == nullptr) return;
     OdGeExtents3d all;
     lm::drawing::ExtentsFinder finder;
-    for (lm::drawing::Node* node = data.fixed.modelSpace->firstPart; node != nullptr; node = node->next) {
-        if (node->isErased()) continue;
-        const auto* const entity = OdDbEntity::cast(data.bodyOf(node));
-        if (entity != nullptr && isShown(*entity)) finder.add(*entity, all);
-    }
+    ShownLayers layers;
+    for (lm::drawing::PartWalk walk(database()->getModelSpaceId()); !walk.done(); walk.next())
+        if (layers.isShown(*walk.entity())) finder.add(*walk.entity(), all);
     if (all.isEmpty()) return;
     const OdGePoint3d low = all.minPoint(), high = all.maxPoint();
     // The window keeps its shape, so the narrower side of the drawing gets room. A point alone has no size.
