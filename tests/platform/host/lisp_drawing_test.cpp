@@ -102,8 +102,11 @@ TEST_F(LispDrawing, PutsNewEntitiesOnTheCurrentLayerUnlessToldOtherwise) {
     EXPECT_EQ("\"NOW\"", run("(setvar \"CLAYER\" \"NOW\")"));
     EXPECT_EQ("\"NOW\"", run("(getvar \"CLAYER\")"));
     EXPECT_EQ("\"NOW\"", run("(dxf 8 (entget (entmakex '((0 . \"POINT\") (10 1 2)))))"));
-    EXPECT_EQ("error: variable can't be set: \"CLAYER\" (line 1, column 1)",
-              run("(setvar \"CLAYER\" \"NONE\")"));
+    EXPECT_EQ("error: no such layer: \"NONE\" (line 1, column 1)", run("(setvar \"CLAYER\" \"NONE\")"));
+    EXPECT_EQ("error: variable can't take the value: 5 (line 1, column 1)", run("(setvar \"CLAYER\" 5)"));
+    EXPECT_EQ("error: variable can't be set: \"LTSCALE\" (line 1, column 1)",
+              run("(setvar \"LTSCALE\" 2.0)"));
+    EXPECT_EQ("\"now\"", run("(setvar \"CLAYER\" \"now\")"));
     EXPECT_EQ("\"NOW\"", run("(getvar \"CLAYER\")"));
 }
 

@@ -2,7 +2,7 @@
 // _INSERT: places a block, one of the drawing or one from a file.
 #include "hostcommands.h"
 
-#include "drawing/blockreference.h"
+#include "drawing/attributeplace.h"
 #include "drawing/recordsearch.h"
 #include "host/services.h"
 #include "../readdatabase.h"
@@ -53,7 +53,7 @@ OdDbObjectId blockFor(OdDbDatabase& database, const std::string& given) {
 
 /// An attribute with a value; an empty one takes the default, of a multi-line definition with its formatting.
 OdSmartPtr<OdDbAttribute> attributeFrom(const OdDbAttributeDefinition& definition, const OdString& value,
-                                        const OdGeMatrix3d& matrix) {
+                                        const OdDbBlockReference& reference) {
     OdSmartPtr<OdDbAttribute> attribute(new OdDbAttribute, lm::drawing::kAttach);
     attribute->setPropertiesFrom(&definition);
     attribute->setTag(definition.tag());
@@ -62,10 +62,9 @@ OdSmartPtr<OdDbAttribute> attributeFrom(const OdDbAttributeDefinition& definitio
     if (definition.isMTextAttributeDefinition()) {
         const OdSmartPtr<OdDbMText> given = definition.getMTextAttributeDefinition();
         const OdSmartPtr<OdDbMText> lines(static_cast<OdDbMText*>(given->clone()), lm::drawing::kAttach);
-        lines->transformBy(matrix);
         attribute->setMTextAttribute(lines);
     }
-    attribute->setAttributeFromBlock(&definition, matrix);
+    lm::drawing::placeAttribute(*attribute, definition, reference);
     if (!value.isEmpty()) attribute->setTextString(value);
     return attribute;
 }
@@ -73,7 +72,6 @@ OdSmartPtr<OdDbAttribute> attributeFrom(const OdDbAttributeDefinition& definitio
 /// Asks for the value of each definition and gives the reference its attributes. An empty answer takes the
 /// default.
 void addAttributes(CommandInput& input, OdDbBlockReference& reference, const OdDbBlockTableRecord& block) {
-    const OdGeMatrix3d matrix = reference.blockTransform();
     const OdSmartPtr<OdDbObjectIterator> walk = block.newIterator();
     for (; !walk->done(); walk->step()) {
         const OdSmartPtr<OdDbEntity> entity = walk->entity();
@@ -81,7 +79,7 @@ void addAttributes(CommandInput& input, OdDbBlockReference& reference, const OdD
         if (definition == nullptr || definition->isConstant()) continue;
         const OdString& prompt = definition->prompt().isEmpty() ? definition->tag() : definition->prompt();
         const std::string value = input.text(lm::drawing::utf8(prompt));
-        reference.appendAttribute(attributeFrom(*definition, wideText(value), matrix));
+        reference.appendAttribute(attributeFrom(*definition, wideText(value), reference));
     }
 }
 

@@ -51,10 +51,24 @@ Value entget(Machine& machine, Arguments a) {
     return object.isNull() ? Value() : entityList(machine, *object, a[0], applications);
 }
 
+/// Whether a list says nothing else of the end of attributes than what stands for it.
+bool isEndList(Machine& machine, const EntityName& end, const Value& name, const Value& list) {
+    const Value own = endList(machine, end, name);
+    for (const Value* at = &list; at->isCons(); at = &at->cdr()) {
+        const Value& entry = at->car();
+        if (!entry.isCons() || !entry.car().isInteger()) return false;
+        const Value now = valueOfCode(own, entry.car().integer());
+        if (!now.isUnbound() && !equalValues(machine, now, entry.cdr())) return false;
+        if (now.isUnbound() && entry.car().integer() != 100) return false;
+    }
+    return own.isCons();
+}
+
 Value entmod(Machine& machine, Arguments a) {
     const Value name = valueOfCode(machine.listAt(a, 0), -1);
     EntityName* entity = foreignOf<EntityName>(name);
     if (entity == nullptr) return Value();
+    if (!entity->endOf().isNull()) return isEndList(machine, *entity, name, a[0]) ? a[0] : Value();
     const OdSmartPtr<OdDbObject> object = openNamed(machine, *entity, OdDb::kForWrite);
     if (object.isNull() || !applyList(machine, requireDatabase(machine), *object, a[0])) return Value();
     return a[0];

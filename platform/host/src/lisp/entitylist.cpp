@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Association lists from objects, and objects from association lists.
+// Association lists from objects, and records from pairs.
 #include "entityfields.h"
 
 #include "entityname.h"
 #include "points.h"
 
 #include "drawing/drawing.h"
+#include "drawing/entitygroups.h"
 
 #include <cmath>
 #include <utility>
@@ -55,8 +56,9 @@ bool isWanted(const OdString& application, const Value& patterns) {
     return false;
 }
 
-/// ("APP" (1000 . "text") ...) for each application that is wanted.
-Value xdataOf(Machine& machine, const OdDbObject& object, const Value& patterns) {
+} // namespace
+
+Value extendedData(Machine& machine, const OdDbObject& object, const Value& patterns) {
     ListBuilder all(machine.heap());
     const OdSmartPtr<OdResBuf> chain = object.xData();
     for (const OdResBuf* at = chain.get(); at != nullptr;) {
@@ -73,13 +75,26 @@ Value xdataOf(Machine& machine, const OdDbObject& object, const Value& patterns)
     return all.take();
 }
 
-/// The vertices of a polyline: the place, then the bulge of the piece that begins there.
+namespace {
+
+/// The vertices of a polyline: the place, then widths and bulge of the piece that begins there. Widths are
+/// shown for all vertices or for none.
 void addVertices(Machine& machine, const OdDbPolyline& polyline, ListBuilder& list) {
-    for (unsigned int i = 0; i < polyline.numVerts(); ++i) {
-        const OdGePoint3d point = polyline.getPointAt(i);
-        list.add(pair(machine, 10, machine.list(Value::real(point.x), Value::real(point.y))));
-        list.add(pair(machine, 42, Value::real(polyline.getBulgeAt(i))));
+    const std::vector<lm::drawing::PolylineVertex> vertices = lm::drawing::verticesOf(polyline);
+    bool widths = false;
+    for (const auto& vertex : vertices) widths = widths || vertex.startWidth != 0 || vertex.endWidth != 0;
+    for (const auto& vertex : vertices) {
+        list.add(pair(machine, 10, machine.list(Value::real(vertex.point.x), Value::real(vertex.point.y))));
+        if (widths) {
+            list.add(pair(machine, 40, Value::real(vertex.startWidth)));
+            list.add(pair(machine, 41, Value::real(vertex.endWidth)));
+        }
+        list.add(pair(machine, 42, Value::real(vertex.bulge)));
     }
+}
+
+void addAll(Value pairs, ListBuilder& list) {
+    for (const Value* at = &pairs; at->isCons(); at = &at->cdr()) list.add(at->car());
 }
 
 void addEntries(Machine& machine, const OdDbDictionary& dictionary, ListBuilder& list) {
@@ -94,6 +109,7 @@ void addFields(Machine& machine, const OdDbObject& object, ListBuilder& list) {
         Value value = field->get(machine, object);
         if (!value.isUnbound()) list.add(pair(machine, field->code, std::move(value)));
     }
+    addAll(keptPairs(machine, object), list);
     if (const auto* polyline = OdDbPolyline::cast(&object)) addVertices(machine, *polyline, list);
     if (const auto* dictionary = OdDbDictionary::cast(&object)) addEntries(machine, *dictionary, list);
     if (const auto* record = OdDbXrecord::cast(&object)) {
@@ -103,7 +119,9 @@ void addFields(Machine& machine, const OdDbObject& object, ListBuilder& list) {
     }
 }
 
-/// The type in group 0: a block's record is called by what it stands for.
+} // namespace
+
+// A block's record is called by what it stands for.
 WideString typeOf(const OdDbObject& object) {
     if (OdDbBlockTableRecord::cast(&object) != nullptr) return system::widen("BLOCK");
     if (object.isDBRO()) return WideString(object.dxfName().view());
@@ -111,7 +129,34 @@ WideString typeOf(const OdDbObject& object) {
     return system::widen("DICTIONARY");
 }
 
-} // namespace
+Value keptPairs(Machine& machine, const OdDbObject& object) {
+    ListBuilder list(machine.heap());
+    const OdSmartPtr<OdResBuf> groups = lm::drawing::keptGroups(object, keptCodes(object));
+    for (const OdResBuf* at = groups.get(); at != nullptr; at = at->next().get()) {
+        const int code = at->restype();
+        const bool isHandle = (code >= 330 && code <= 369) || (code >= 390 && code <= 399);
+        const OdDbDatabase* database = object.database();
+        const OdDbObjectId id = isHandle && database != nullptr
+                                    ? database->getOdDbObjectId(OdDbHandle(at->getString().c_str()))
+                                    : OdDbObjectId();
+        list.add(pair(machine, code, id.isNull() ? payloadOf(machine, *at) : nameValue(machine, id)));
+    }
+    return list.take();
+}
+
+Value layoutPairs(Machine& machine, const OdDbObject& object) {
+    if (OdDbEntity::cast(&object) == nullptr || !object.isDBRO()) return Value();
+    const OdDbObjectId owner = object.ownerId();
+    const OdDbDatabase& database = *object.database();
+    if (owner.isNull() || owner == database.getModelSpaceId()) return Value();
+    const OdSmartPtr<OdDbObject> opened = owner.openObject();
+    const auto* block = OdDbBlockTableRecord::cast(opened.get());
+    if (block == nullptr || !block->isLayout()) return Value();
+    const OdString layout = lm::drawing::layoutOfBlock(database, owner);
+    const Value paper = pair(machine, 67, Value::integer(1));
+    if (layout.isEmpty()) return machine.list(paper);
+    return machine.list(paper, pair(machine, 410, machine.text(layout.view())));
+}
 
 Value nameValue(Machine& machine, OdDbObjectId id) {
     return id.isNull() ? Value() : machine.heap().foreign<EntityName>(id);
@@ -124,9 +169,10 @@ Value entityList(Machine& machine, const OdDbObject& object, const Value& name, 
     if (const OdDbObjectId owner = object.ownerId(); !owner.isNull())
         list.add(pair(machine, 330, nameValue(machine, owner)));
     if (object.isDBRO()) list.add(pair(machine, 5, machine.text(object.getDbHandle().ascii().view())));
+    addAll(layoutPairs(machine, object), list);
     addFields(machine, object, list);
     if (applications) {
-        Value xdata = xdataOf(machine, object, applications);
+        Value xdata = extendedData(machine, object, applications);
         if (xdata) list.add(pair(machine, kXDataCode, std::move(xdata)));
     }
     return list.take();
@@ -155,7 +201,7 @@ Value pairsOf(Machine& machine, const OdResBuf* chain) {
 
 namespace {
 
-/// What the value of a group must be.
+/// What the value of a group must be. Parts of points that stand alone in extended data are numbers.
 enum class GroupKind { kNone, kText, kReal, kPoint, kShort, kLong, kBinary, kName };
 
 GroupKind kindOfGroup(int code) {
@@ -164,17 +210,18 @@ GroupKind kindOfGroup(int code) {
         GroupKind kind;
     };
     static constexpr Range kRanges[] = {
-        {1, 4, GroupKind::kText},         {5, 5, GroupKind::kNone},        {6, 9, GroupKind::kText},
-        {10, 37, GroupKind::kPoint},      {38, 59, GroupKind::kReal},      {60, 79, GroupKind::kShort},
-        {90, 99, GroupKind::kLong},       {100, 102, GroupKind::kText},    {110, 112, GroupKind::kPoint},
-        {140, 149, GroupKind::kReal},     {170, 179, GroupKind::kShort},   {210, 239, GroupKind::kPoint},
-        {270, 299, GroupKind::kShort},    {300, 309, GroupKind::kText},    {310, 319, GroupKind::kBinary},
-        {330, 369, GroupKind::kName},     {370, 389, GroupKind::kShort},   {390, 399, GroupKind::kName},
-        {400, 409, GroupKind::kShort},    {410, 419, GroupKind::kText},    {420, 429, GroupKind::kLong},
-        {430, 439, GroupKind::kText},     {440, 449, GroupKind::kLong},    {450, 459, GroupKind::kLong},
-        {460, 469, GroupKind::kReal},     {470, 479, GroupKind::kText},    {1000, 1003, GroupKind::kText},
-        {1004, 1004, GroupKind::kBinary}, {1005, 1005, GroupKind::kText},  {1010, 1013, GroupKind::kPoint},
-        {1040, 1042, GroupKind::kReal},   {1070, 1070, GroupKind::kShort}, {1071, 1071, GroupKind::kLong},
+        {1, 4, GroupKind::kText},         {5, 5, GroupKind::kNone},       {6, 9, GroupKind::kText},
+        {10, 37, GroupKind::kPoint},      {38, 59, GroupKind::kReal},     {60, 79, GroupKind::kShort},
+        {90, 99, GroupKind::kLong},       {100, 102, GroupKind::kText},   {110, 112, GroupKind::kPoint},
+        {140, 149, GroupKind::kReal},     {170, 179, GroupKind::kShort},  {210, 239, GroupKind::kPoint},
+        {270, 299, GroupKind::kShort},    {300, 309, GroupKind::kText},   {310, 319, GroupKind::kBinary},
+        {330, 369, GroupKind::kName},     {370, 389, GroupKind::kShort},  {390, 399, GroupKind::kName},
+        {400, 409, GroupKind::kShort},    {410, 419, GroupKind::kText},   {420, 429, GroupKind::kLong},
+        {430, 439, GroupKind::kText},     {440, 449, GroupKind::kLong},   {450, 459, GroupKind::kLong},
+        {460, 469, GroupKind::kReal},     {470, 479, GroupKind::kText},   {1000, 1003, GroupKind::kText},
+        {1004, 1004, GroupKind::kBinary}, {1005, 1005, GroupKind::kText}, {1010, 1013, GroupKind::kPoint},
+        {1020, 1023, GroupKind::kReal},   {1030, 1033, GroupKind::kReal}, {1040, 1042, GroupKind::kReal},
+        {1070, 1070, GroupKind::kShort},  {1071, 1071, GroupKind::kLong},
     };
     for (const Range& range : kRanges)
         if (code >= range.first && code <= range.last) return range.kind;
@@ -243,160 +290,6 @@ OdSmartPtr<OdResBuf> recordOfPair(const Value& given) {
     if (!given.isCons() || !given.car().isInteger()) return nullptr;
     OdSmartPtr<OdResBuf> record = OdResBuf::newRb(given.car().integer());
     return setPayload(*record, given.cdr()) ? record : OdSmartPtr<OdResBuf>();
-}
-
-namespace {
-
-/// The chain of ("APP" (1000 . "text") ...), with the application at its head; null for another form.
-OdSmartPtr<OdResBuf> xdataChain(const Value& application) {
-    if (!application.isCons() || !application.car().isText() || application.car().text().empty())
-        return nullptr;
-    OdSmartPtr<OdResBuf> head = OdResBuf::newRb(kApplication, OdString(WideView(application.car().text())));
-    OdSmartPtr<OdResBuf> last = head;
-    for (const Value* at = &application.cdr(); at->isCons(); at = &at->cdr()) {
-        const OdSmartPtr<OdResBuf> record = recordOfPair(at->car());
-        if (record.isNull() || record->restype() < 1000) return nullptr;
-        last = last->append(record);
-    }
-    return head;
-}
-
-bool applyXData(const FieldTarget& target, const Value& applications) {
-    for (const Value* at = &applications; at->isCons(); at = &at->cdr()) {
-        const OdSmartPtr<OdResBuf> chain = xdataChain(at->car());
-        if (chain.isNull()) return false;
-        if (target.apply) target.object.setXData(chain);
-    }
-    return true;
-}
-
-struct Vertex {
-    OdGePoint2d point;
-    double bulge = 0;
-};
-
-/// The vertices of a list: each group 10 begins one, a group 42 behind it is its bulge.
-bool verticesOf(const Value& list, std::vector<Vertex>& vertices) {
-    for (const Value* at = &list; at->isCons(); at = &at->cdr()) {
-        const Value& entry = at->car();
-        if (!entry.isCons() || !entry.car().isInteger()) continue;
-        const int code = entry.car().integer();
-        if (code == 10) {
-            const std::optional<Point> point = pointOf(entry.cdr());
-            if (!point) return false;
-            vertices.push_back({{point->x, point->y}, 0});
-        } else if (code == 42) {
-            if (!entry.cdr().isNumber() || vertices.empty()) return false;
-            vertices.back().bulge = entry.cdr().number();
-        }
-    }
-    return true;
-}
-
-// Vertices can be moved and added; fewer of them, or another bulge of one that stands, can't be had.
-bool applyVertices(const FieldTarget& target, const Value& list) {
-    std::vector<Vertex> vertices;
-    if (!verticesOf(list, vertices)) return false;
-    auto& polyline = static_cast<OdDbPolyline&>(target.object);
-    const unsigned int count = polyline.numVerts();
-    if (vertices.size() < count) return vertices.empty();
-    for (unsigned int i = 0; i < count; ++i)
-        if (vertices[i].bulge != polyline.getBulgeAt(i)) return false;
-    if (!target.apply) return true;
-    for (unsigned int i = 0; i < vertices.size(); ++i) {
-        const OdGePoint2d point = vertices[i].point;
-        if (i >= count) {
-            polyline.addVertexAt(i, point, vertices[i].bulge);
-            continue;
-        }
-        const OdGePoint3d now = polyline.getPointAt(i);
-        if (now.x != point.x || now.y != point.y) polyline.setPointAt(i, point);
-    }
-    return true;
-}
-
-/// Whether a pair of an xrecord's list tells what the object is and where it stands, and is none of its data.
-/// The owner stands once, before the data; a 280 right behind the class mark belongs to the object as well.
-class RecordHead {
-public:
-    explicit RecordHead(const OdDbObject& object) : m_owner(object.ownerId()) {}
-    bool takes(int code, const Value& value) {
-        const bool behindClass = std::exchange(m_behindClass, code == 100);
-        if (code <= 0 || code == 5 || code == 100 || code == 102) return true;
-        if (code == 280) return behindClass;
-        const EntityName* name = code == 330 ? foreignOf<EntityName>(value) : nullptr;
-        if (name == nullptr || m_owner.isNull() || name->id() != m_owner) return false;
-        m_owner = OdDbObjectId();
-        return true;
-    }
-
-private:
-    OdDbObjectId m_owner;
-    bool m_behindClass = false;
-};
-
-bool applyRecordChain(const FieldTarget& target, const Value& list) {
-    OdSmartPtr<OdResBuf> first, last;
-    RecordHead head(target.object);
-    for (const Value* at = &list; at->isCons(); at = &at->cdr()) {
-        const Value& entry = at->car();
-        if (!entry.isCons() || !entry.car().isInteger()) return false;
-        if (head.takes(entry.car().integer(), entry.cdr())) continue;
-        const OdSmartPtr<OdResBuf> record = recordOfPair(entry);
-        if (record.isNull()) return false;
-        if (first.isNull())
-            first = last = record;
-        else
-            last = last->append(record);
-    }
-    if (target.apply) static_cast<OdDbXrecord&>(target.object).setFromRbChain(first);
-    return true;
-}
-
-bool applyOnce(const FieldTarget& target, const std::vector<const Field*>& fields, const Value& list) {
-    for (const Value* at = &list; at->isCons(); at = &at->cdr()) {
-        const Value& entry = at->car();
-        if (!entry.isCons() || !entry.car().isInteger()) return false;
-        const int code = entry.car().integer();
-        if (code == kXDataCode && !applyXData(target, entry.cdr())) return false;
-        for (const Field* field : fields) {
-            if (field->code != code || field->set == nullptr) continue;
-            // What an object of the drawing has already is left alone; a new one is written as a whole.
-            const Value now =
-                target.object.isDBRO() ? field->get(target.machine, target.object) : Value::unbound();
-            if (!now.isUnbound() && equalValues(target.machine, now, entry.cdr())) continue;
-            if (!field->set(target, entry.cdr())) return false;
-        }
-    }
-    if (OdDbPolyline::cast(&target.object) != nullptr) return applyVertices(target, list);
-    if (OdDbXrecord::cast(&target.object) != nullptr) return applyRecordChain(target, list);
-    return true;
-}
-
-/// Whether a drawing can hold the numbers of a pair.
-bool isFinitePair(const Value& pair) {
-    if (!pair.isCons()) return true;
-    const Value& value = pair.cdr();
-    if (value.isNumber()) return std::isfinite(value.number());
-    int parts = 0;
-    for (const Value* at = &value; at->isCons() && parts < 3; at = &at->cdr(), ++parts)
-        if (at->car().isNumber() && !std::isfinite(at->car().number())) return false;
-    return true;
-}
-
-bool isFiniteList(const Value& list) {
-    for (const Value* at = &list; at->isCons(); at = &at->cdr())
-        if (!isFinitePair(at->car())) return false;
-    return true;
-}
-
-} // namespace
-
-bool applyList(Machine& machine, OdDbDatabase& database, OdDbObject& object, const Value& list) {
-    if (!isFiniteList(list)) return false;
-    const std::vector<const Field*> fields = fieldsOf(object);
-    return applyOnce({machine, database, object, false}, fields, list) &&
-           applyOnce({machine, database, object, true}, fields, list);
 }
 
 } // namespace lm::host::lisp

@@ -7,6 +7,7 @@
 #include "hoststate.h"
 
 #include "drawing/drawing.h"
+#include "drawing/entitygroups.h"
 #include "drawing/partwalk.h"
 #include "drawing/recordsearch.h"
 
@@ -33,7 +34,7 @@ public:
         if (name == "ENDBLK") return endBlock();
         if (name == "SEQEND") return endAttributes();
         if (name == "ATTRIB") return attribute();
-        if (name == "LAYER") return record(m_database.getLayerTableId(), made<OdDbLayerTableRecord>());
+        if (name == "LAYER") return layer();
         if (name == "STYLE")
             return record(m_database.getTextStyleTableId(), made<OdDbTextStyleTableRecord>());
         if (name == "LTYPE") return record(m_database.getLinetypeTableId(), made<OdDbLinetypeTableRecord>());
@@ -47,12 +48,28 @@ public:
 private:
     bool apply(OdDbObject& object) { return applyList(m_machine, m_database, object, m_list); }
 
-    /// Where an entity goes: the open block, else paper space for group 67, else model space.
+    /// Where an entity goes: the open block, else the layout of group 410, else paper space for group 67,
+    /// else model space. Null for groups that name no space, or two.
     OdDbObjectId space() const {
         if (m_host.openBlock.isValid() && !m_host.openBlock.isErased()) return m_host.openBlock;
-        const Value paper = valueOfCode(m_list, 67);
-        return paper.isInteger() && paper.integer() == 1 ? m_database.getPaperSpaceId()
-                                                         : m_database.getModelSpaceId();
+        const OdDbObjectId model = m_database.getModelSpaceId();
+        const Value paper = valueOfCode(m_list, 67), layout = valueOfCode(m_list, 410);
+        if (!paper.isUnbound() && !(paper.isInteger() && (paper.integer() == 0 || paper.integer() == 1)))
+            return OdDbObjectId();
+        const bool isPaper = paper.isInteger() && paper.integer() == 1;
+        if (layout.isUnbound()) return isPaper ? m_database.getPaperSpaceId() : model;
+        if (!layout.isText()) return OdDbObjectId();
+        const OdString name{WideView(layout.text())};
+        const OdDbObjectId block = lm::drawing::blockOfLayout(m_database, name);
+        const bool agrees = paper.isUnbound() || isPaper == (block != model);
+        return agrees ? block : OdDbObjectId();
+    }
+
+    /// A circle or an arc without a radius would be nothing.
+    static bool isDrawn(const OdDbObject& object) {
+        if (const auto* circle = OdDbCircle::cast(&object)) return circle->radius() > 0;
+        const auto* arc = OdDbArc::cast(&object);
+        return arc == nullptr || arc->radius() > 0;
     }
 
     Value entity(const EntityClass& entityClass) {
@@ -60,7 +77,7 @@ private:
         OdDbEntity* entity = OdDbEntity::cast(object.get());
         if (valueOfCode(m_list, 8).isUnbound() && m_database.getCLAYER().isValid())
             entity->setLayer(m_database.getCLAYER());
-        if (!apply(*object)) return Value();
+        if (!apply(*object) || !isDrawn(*object)) return Value();
         const auto* reference = OdDbBlockReference::cast(entity);
         const OdSmartPtr<OdDbBlockTableRecord> block(space().openObject(OdDb::kForWrite));
         if (block.isNull()) return Value();
@@ -97,6 +114,19 @@ private:
         }
     }
 
+    /// Whether the head of a block tells only what a block can keep: not where it comes from or what it is
+    /// for.
+    bool isPlainBlock() const {
+        constexpr int kPath = 1, kDescription = 4, kFlags = 70, kExternal = 4;
+        for (const int code : {kPath, kDescription}) {
+            const Value text = valueOfCode(m_list, code);
+            if (!text.isUnbound() && !(text.isText() && text.text().empty())) return false;
+        }
+        const Value flags = valueOfCode(m_list, kFlags);
+        return flags.isUnbound() ||
+               (flags.isInteger() && flags.integer() >= 0 && flags.integer() < kExternal);
+    }
+
     // A block that is there already is emptied and filled anew.
     Value beginBlock() {
         const Value name = valueOfCode(m_list, 2);
@@ -106,6 +136,9 @@ private:
         const OdString wanted = anonymous ? freeBlockName(*blocks) : OdString(WideView(name.text()));
         const OdDbObjectId known = lm::drawing::recordCalled(*blocks, wanted);
         if (known.isNull() && !anonymous && !lm::drawing::isValidName(wanted.view())) return Value();
+        const Value origin = valueOfCode(m_list, 10);
+        const OdSmartPtr<OdDbBlockTableRecord> asked = made<OdDbBlockTableRecord>();
+        if (!isPlainBlock() || (!origin.isUnbound() && !applyOrigin(*asked, origin))) return Value();
         if (known.isNull()) {
             const OdSmartPtr<OdDbBlockTableRecord> block = made<OdDbBlockTableRecord>();
             block->setName(wanted);
@@ -115,7 +148,6 @@ private:
                 part.id().openObject(OdDb::kForWrite)->erase();
             m_host.openBlock = known;
         }
-        const Value origin = valueOfCode(m_list, 10);
         const OdSmartPtr<OdDbBlockTableRecord> block(m_host.openBlock.openObject(OdDb::kForWrite));
         if (!origin.isUnbound() && !applyOrigin(*block, origin)) return Value();
         return nameValue(m_machine, m_host.openBlock);
@@ -130,6 +162,12 @@ private:
         const OdSmartPtr<OdDbObject> block = std::exchange(m_host.openBlock, OdDbObjectId()).openObject();
         if (block.isNull()) return Value();
         return m_machine.text(static_cast<const OdDbSymbolTableRecord*>(block.get())->getName().view());
+    }
+
+    Value layer() {
+        const OdSmartPtr<OdDbLayerTableRecord> made = lisp::made<OdDbLayerTableRecord>();
+        made->setLinetypeObjectId(m_database.getLinetypeContinuousId());
+        return record(m_database.getLayerTableId(), made);
     }
 
     Value record(OdDbObjectId tableId, OdSmartPtr<OdDbSymbolTableRecord> record) {

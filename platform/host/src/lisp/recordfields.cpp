@@ -5,6 +5,7 @@
 #include "points.h"
 
 #include "drawing/drawing.h"
+#include "drawing/entitygroups.h"
 #include "drawing/partwalk.h"
 #include "drawing/recordsearch.h"
 
@@ -43,31 +44,31 @@ bool setName(const FieldTarget& target, const Value& value) {
     return true;
 }
 
-Value getNoFlags(Machine&, const OdDbObject&) {
-    return Value::integer(0);
+// All flags that the record has: the drawing gives those that nobody sets here their meaning.
+Value getFlags(Machine&, const OdDbObject& object) {
+    constexpr int kFlags = 70;
+    return Value::integer(static_cast<int>(lm::drawing::numberAt(object, kFlags).value_or(0)));
 }
-
-enum LayerFlags { kFrozen = 1, kLocked = 4 };
-
-Value getLayerFlags(Machine&, const OdDbObject& object) {
-    const auto& layer = static_cast<const OdDbLayerTableRecord&>(object);
-    return Value::integer((layer.isFrozen() ? kFrozen : 0) | (layer.isLocked() ? kLocked : 0));
-}
-bool setLayerFlags(const FieldTarget& target, const Value& value) {
-    if (!value.isInteger()) return false;
-    if (!target.apply) return true;
-    auto& layer = static_cast<OdDbLayerTableRecord&>(target.object);
-    const bool frozen = (value.integer() & kFrozen) != 0, locked = (value.integer() & kLocked) != 0;
-    if (frozen != layer.isFrozen()) layer.setIsFrozen(frozen);
-    if (locked != layer.isLocked()) layer.setIsLocked(locked);
+bool setFlags(const FieldTarget& target, const Value& value) {
+    constexpr int kFlags = 70, kMost = 255;
+    if (!value.isInteger() || value.integer() < 0 || value.integer() > kMost) return false;
+    if (target.apply) lm::drawing::setNumberAt(target.database, target.object, kFlags, value.integer());
     return true;
+}
+
+/// The colour index of a layer; beside a true colour that which its groups have, else white.
+int indexOf(const OdDbLayerTableRecord& layer) {
+    constexpr int kIndex[] = {62}, kWhite = 7;
+    if (layer.color().method() != OdCmColor::kByColor) return layer.color().colorIndex();
+    const OdSmartPtr<OdResBuf> held = lm::drawing::keptGroups(layer, kIndex);
+    const int index = held.isNull() ? 0 : std::abs(held->getInt32());
+    return index == 0 ? kWhite : index;
 }
 
 // A layer that is off has its colour with a minus.
 Value getLayerColor(Machine&, const OdDbObject& object) {
     const auto& layer = static_cast<const OdDbLayerTableRecord&>(object);
-    const int index = layer.color().colorIndex();
-    return Value::integer(layer.isOff() ? -index : index);
+    return Value::integer(layer.isOff() ? -indexOf(layer) : indexOf(layer));
 }
 bool setLayerColor(const FieldTarget& target, const Value& value) {
     constexpr int kLast = 255;
@@ -75,8 +76,26 @@ bool setLayerColor(const FieldTarget& target, const Value& value) {
     if (!target.apply) return true;
     auto& layer = static_cast<OdDbLayerTableRecord&>(target.object);
     const int index = std::abs(value.integer());
-    if (index != layer.color().colorIndex()) layer.setColor(OdCmColor::fromIndex(index));
+    if (index != indexOf(layer)) layer.setColor(OdCmColor::fromIndex(index));
     if ((value.integer() < 0) != layer.isOff()) layer.setIsOff(value.integer() < 0);
+    return true;
+}
+
+// The index beside a true colour stays what it was: the true colour counts.
+Value getLayerTrueColor(Machine&, const OdDbObject& object) {
+    const OdCmColor color = static_cast<const OdDbLayerTableRecord&>(object).color();
+    return color.method() == OdCmColor::kByColor ? Value::integer(static_cast<int>(color.rgb()))
+                                                 : Value::unbound();
+}
+bool setLayerTrueColor(const FieldTarget& target, const Value& value) {
+    constexpr int kMost = 0xFFFFFF;
+    if (!value.isInteger() || value.integer() < 0 || value.integer() > kMost) return false;
+    const auto rgb = static_cast<unsigned>(value.integer());
+    if (target.apply)
+        static_cast<OdDbLayerTableRecord&>(target.object)
+            .setColor(OdCmColor::fromRgb(static_cast<std::uint8_t>(rgb >> 16),
+                                         static_cast<std::uint8_t>(rgb >> 8),
+                                         static_cast<std::uint8_t>(rgb)));
     return true;
 }
 
@@ -96,6 +115,13 @@ bool setLayerLinetype(const FieldTarget& target, const Value& value) {
 
 Value getComments(Machine& machine, const OdDbObject& object) {
     return machine.text(static_cast<const OdDbLinetypeTableRecord&>(object).comments().view());
+}
+bool setComments(const FieldTarget& target, const Value& value) {
+    constexpr int kComments = 3;
+    if (!value.isText()) return false;
+    if (target.apply)
+        lm::drawing::setTextAt(target.database, target.object, kComments, OdString(WideView(value.text())));
+    return true;
 }
 
 const OdDbAbstractViewTableRecord& view(const OdDbObject& object) {
@@ -147,14 +173,16 @@ Value getBlockFlags(Machine&, const OdDbObject& object) {
 }
 
 const Field kLayer[] = {{2, &getName, &setName},
-                        {70, &getLayerFlags, &setLayerFlags},
+                        {70, &getFlags, &setFlags},
                         {62, &getLayerColor, &setLayerColor},
+                        {420, &getLayerTrueColor, &setLayerTrueColor},
                         {6, &getLayerLinetype, &setLayerLinetype}};
 
-const Field kLinetype[] = {{2, &getName, &setName}, {70, &getNoFlags, nullptr}, {3, &getComments, nullptr}};
+const Field kLinetype[] = {
+    {2, &getName, &setName}, {70, &getFlags, &setFlags}, {3, &getComments, &setComments}};
 
 const Field kView[] = {{2, &getName, &setName},
-                       {70, &getNoFlags, nullptr},
+                       {70, &getFlags, &setFlags},
                        {40, &getHeight, &setHeight},
                        {10, &getCentre, &setCentre},
                        {41, &getWidth, &setWidth}};
@@ -164,9 +192,21 @@ const Field kBlock[] = {{2, &getName, &setName},
                         {10, &getOrigin, &setOrigin},
                         {-2, &getFirstEntity, nullptr}};
 
-const Field kOther[] = {{2, &getName, &setName}, {70, &getNoFlags, nullptr}};
+const Field kOther[] = {{2, &getName, &setName}, {70, &getFlags, &setFlags}};
+
+// Line weight, plotting, plot style, material and visual style; the pattern; size and files of the font.
+constexpr int kKeptByLayer[] = {290, 370, 390, 347, 348};
+constexpr int kKeptByLinetype[] = {72, 73, 40, 49, 74, 75, 340, 46, 50, 44, 45, 9};
+constexpr int kKeptByStyle[] = {40, 41, 50, 71, 42, 3, 4};
 
 } // namespace
+
+std::span<const int> keptByRecord(const OdDbObject& object) {
+    if (OdDbLayerTableRecord::cast(&object) != nullptr) return kKeptByLayer;
+    if (OdDbLinetypeTableRecord::cast(&object) != nullptr) return kKeptByLinetype;
+    if (OdDbTextStyleTableRecord::cast(&object) != nullptr) return kKeptByStyle;
+    return {};
+}
 
 std::span<const Field> recordFields(const OdDbObject& object) {
     if (OdDbLayerTableRecord::cast(&object) != nullptr) return kLayer;

@@ -41,6 +41,8 @@ public:
             return {Value::integer(256)};
         case 370:
             return {Value::integer(-1)};
+        case 410:
+            return {m_machine.text("Model")};
         default:
             return {};
         }

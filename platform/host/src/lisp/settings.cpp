@@ -2,6 +2,7 @@
 #include "settings.h"
 
 #include "document.h"
+#include "entityfields.h"
 #include "hoststate.h"
 #include "points.h"
 
@@ -94,31 +95,15 @@ Value drawingVariable(Machine& machine, const WideString& name) {
     }
 }
 
-/// The record that setSysVar wants for a value: a layer goes by its id, everything else under the group that
-/// the variable has now.
-OdSmartPtr<OdResBuf> recordOf(OdDbDatabase& database, const OdString& name, const Value& value) {
+/// Makes a layer the current one; its name may differ in its case.
+void setCurrentLayer(Machine& machine, OdDbDatabase& database, const OdString& variable, const Value& value) {
     constexpr int kIdGroup = 330;
-    const OdSmartPtr<OdResBuf> now = database.getSysVar(name);
-    if (now.isNull()) return now;
-    if (name == OdString("CLAYER")) {
-        const auto layers = OdSmartPtr<OdDbSymbolTable>(database.getLayerTableId().openObject());
-        if (layers.isNull() || !value.isText()) return nullptr;
-        OdSmartPtr<OdResBuf> record = OdResBuf::newRb(kIdGroup);
-        record->setObjectId(layers->getAt(OdString(WideView(value.text()))));
-        return record;
-    }
-    OdSmartPtr<OdResBuf> record = OdResBuf::newRb(now->restype());
-    if (now->payload() == OdResBuf::kText && value.isText())
-        record->setString(OdString(WideView(value.text())));
-    else if (now->payload() == OdResBuf::kInteger && value.isInteger())
-        record->setInt32(value.integer());
-    else if (now->payload() == OdResBuf::kReal && value.isNumber())
-        record->setDouble(value.number());
-    else if (const std::optional<Point> point = pointOf(value); point && now->payload() == OdResBuf::kPoint)
-        record->setPoint3d(point->inSpace());
-    else
-        return nullptr;
-    return record;
+    if (!value.isText()) machine.fail("variable can't take the value", value);
+    const OdDbObjectId layer = recordToUse(database.getLayerTableId(), value.text());
+    if (layer.isNull()) machine.fail("no such layer", value);
+    const OdSmartPtr<OdResBuf> record = OdResBuf::newRb(kIdGroup);
+    record->setObjectId(layer);
+    if (!database.setSysVar(variable, record)) machine.fail("layer can't be current", value);
 }
 
 Value getvar(Machine& machine, Arguments a) {
@@ -138,11 +123,11 @@ Value setvar(Machine& machine, Arguments a) {
         machine.host().variables[name] = given;
         return given;
     }
+    // Of the drawing's variables only the current layer can be set; the others go with the drawing.
     const OdString key{WideView(name)};
-    OdDbDatabase* database = databaseOf(machine);
-    const OdSmartPtr<OdResBuf> record =
-        database == nullptr ? OdSmartPtr<OdResBuf>() : recordOf(*database, key, a[1]);
-    if (record.isNull() || !database->setSysVar(key, record)) machine.fail("variable can't be set", a[0]);
+    OdDbDatabase* const database = databaseOf(machine);
+    if (database == nullptr || key != OdString("CLAYER")) machine.fail("variable can't be set", a[0]);
+    setCurrentLayer(machine, *database, key, a[1]);
     return a[1];
 }
 
