@@ -132,6 +132,116 @@ void writeOnTheFirstCarrier(benchmark::State& state) {
 }
 BENCHMARK(writeOnTheFirstCarrier)->Arg(0)->Arg(1);
 
+/// A project of 1,000 pages with all that belongs to them, each with 100 references in a grid of its own.
+class Book {
+public:
+    static constexpr int kPages = 1000, kOnAPage = 100, kStep = 10;
+
+    Book() {
+        const OdDbObjectId symbol =
+            OdSmartPtr<OdDbSymbolTable>(db().getBlockTableId().openObject(OdDb::kForWrite))
+                ->add(named(make<OdDbBlockTableRecord>(), "SYMBOL"));
+        const auto line = make<OdDbLine>();
+        line->setEndPoint({1, 1, 0});
+        appendTo(symbol, line);
+        for (int page = 0; page < kPages; ++page) addPage(page, symbol);
+    }
+    ~Book() { lm::host::documentManager().closeAll(); }
+    CHostDatabase& db() { return *m_document->database(); }
+    /// Pages in an order that jumps.
+    static int pageOf(int turn) { return turn * 37 % kPages; }
+    static std::string name(int page) { return "P" + std::to_string(page); }
+    static OdGePoint3d place(int page, int index) {
+        return {static_cast<double>(index % 10 * kStep), static_cast<double>(page * 200 + index / 10 * kStep),
+                0};
+    }
+    /// Whether a page is shown, and nothing else but layer "0".
+    bool showsOnly(int page) {
+        CICad cad;
+        const OdSmartPtr<OdDbSymbolTable> table(db().getLayerTableId().openObject());
+        int shown = 0;
+        for (const auto walk = table->newIterator(); !walk->done(); walk->step())
+            if (!OdSmartPtr<OdDbLayerTableRecord>(walk->getRecord())->isFrozen()) ++shown;
+        return shown == 5 && cad.GetLayerCorrente(&db()) == name(page).c_str();
+    }
+
+private:
+    template<class T>
+    static OdSmartPtr<T> named(OdSmartPtr<T> record, const std::string& name) {
+        record->setName(odText(name));
+        return record;
+    }
+    static void appendTo(OdDbObjectId block, const OdSmartPtr<OdDbEntity>& entity) {
+        OdSmartPtr<OdDbBlockTableRecord>(block.openObject(OdDb::kForWrite))->appendOdDbEntity(entity);
+    }
+    void addPage(int page, OdDbObjectId symbol) {
+        const OdSmartPtr<OdDbSymbolTable> layers(db().getLayerTableId().openObject(OdDb::kForWrite));
+        for (const char* const part : {"", "$DE", "$FORMATO", "$SELO"})
+            layers->add(named(make<OdDbLayerTableRecord>(), name(page) + part));
+        for (int i = 0; i < kOnAPage; ++i) {
+            const auto reference = make<OdDbBlockReference>();
+            reference->setBlockTableRecord(symbol);
+            reference->setPosition(place(page, i));
+            appendTo(db().getModelSpaceId(), reference);
+            reference->setLayer(odText(name(page)));
+        }
+    }
+    CHostDocument* m_document = lm::host::documentManager().newDocument();
+};
+
+void showPage(benchmark::State& state) {
+    Book book;
+    CICad cad;
+    int turn = 0;
+    for (auto _ : state) {
+        book.db().startUndoRecord();
+        if (cad.MostrarPagina(Book::name(Book::pageOf(++turn)).c_str(), false) != 0)
+            state.SkipWithError("no such page");
+    }
+    if (!book.showsOnly(Book::pageOf(turn))) state.SkipWithError("something else is shown");
+}
+BENCHMARK(showPage)->Unit(benchmark::kMillisecond);
+
+void showPageOfSeries(benchmark::State& state) {
+    Book book;
+    CICad cad;
+    cad.MostrarPagina("P0", false);
+    int turn = 0;
+    for (auto _ : state) {
+        book.db().startUndoRecord();
+        if (cad.MostrarPaginaPDF(Book::name(Book::pageOf(++turn)).c_str(), false) != 0)
+            state.SkipWithError("no such page");
+    }
+    if (!book.showsOnly(Book::pageOf(turn))) state.SkipWithError("something else is shown");
+}
+BENCHMARK(showPageOfSeries)->Unit(benchmark::kMicrosecond);
+
+void zoomToPage(benchmark::State& state) {
+    Book book;
+    CICad cad;
+    cad.MostrarPagina("P7", false);
+    for (auto _ : state)
+        if (cad.ZoomExtends() != 0) state.SkipWithError("no viewport");
+    const OdSmartPtr<OdDbViewportTableRecord> view(book.db().GetActiveViewportId().openObject());
+    // 10 by 10 places and the size of the last symbol.
+    if (view->height() != 91 || view->centerPoint().y != 7 * 200 + 45.5) state.SkipWithError("another view");
+}
+BENCHMARK(zoomToPage)->Unit(benchmark::kMillisecond);
+
+void selectAroundAPoint(benchmark::State& state) {
+    Book book;
+    CICad cad;
+    int turn = 0;
+    for (auto _ : state) {
+        const int page = Book::pageOf(++turn);
+        int found = 0;
+        const OdGePoint3d place = Book::place(page, turn % Book::kOnAPage);
+        cad.SSGetCrossing(place, Book::name(page).c_str(), &book.db(), [&](OdDbObjectId) { ++found; });
+        if (found != 1) state.SkipWithError("another selection");
+    }
+}
+BENCHMARK(selectAroundAPoint)->Unit(benchmark::kMicrosecond);
+
 } // namespace
 
 BENCHMARK_MAIN();

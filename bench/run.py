@@ -204,6 +204,19 @@ def pages():
     report("a page setting at the end of 100,000 entities", slowest / 1e6, 6, "ms")
     slowest = max(times[name] for name in times if name.startswith("writeOnTheFirstCarrier"))
     report("a page setting written on the first of 100,000 entities", slowest / 1e3, 5, "us")
+    report("MostrarPagina among 1,000 pages and 100,000 references", times["showPage"] / 1e6, 3, "ms")
+    report("MostrarPaginaPDF, the same project", times["showPageOfSeries"] / 1e3, 50, "us")
+    # Neither has an index: the one looks at the layer of each entity, the other at its box where the layer fits.
+    print("ZoomExtends of a page of that project: %.2f ms" % (times["zoomToPage"] / 1e6))
+    print("SSGetCrossing around a point of that project: %.0f us" % (times["selectAroundAPoint"] / 1e3))
+
+
+def reactor():
+    times = timed("lm_bench_reactor")
+    slowest = max(times["eventWithoutMatch"], times["changeWithoutMatch"])
+    report("an event to a derived class, of an object without a match", slowest, 300, "ns")
+    slowest = max(times["eventOfContact"], times["eventOfOtherBlock"], times["erasedContact"])
+    report("an event to a derived class, of a reference with its name read", slowest, 1000, "ns")
 
 
 def converting():
@@ -224,8 +237,8 @@ if __name__ == "__main__":
     if not os.path.exists(os.path.join(SHARED, "tools", "make_drawing.py")):
         sys.exit("shared drawings not found: %s has no tools/make_drawing.py" % SHARED)
     parts = (("processes", whole_processes), ("operations", operations), ("changes", changes),
-             ("attributes", attributes), ("links", links), ("pages", pages), ("symbols", symbols), ("converting", converting),
-             ("ezdxf", against_ezdxf))
+             ("attributes", attributes), ("links", links), ("pages", pages), ("symbols", symbols),
+             ("reactor", reactor), ("converting", converting), ("ezdxf", against_ezdxf))
     wanted = sys.argv[1:] or [name for name, _ in parts]
     for name, part in parts:
         if name in wanted:

@@ -22,6 +22,7 @@ install(DIRECTORY "${CMAKE_SOURCE_DIR}/tx/LMCommonMFC/" DESTINATION "include/LMC
         PATTERN "module_entry.h" EXCLUDE
         PATTERN "icad_carrier.h" EXCLUDE
         PATTERN "icad_detail.h" EXCLUDE
+        PATTERN "reactor/documents.h" EXCLUDE
         PATTERN "ceheap.h" EXCLUDE)
 
 install(EXPORT LMCommonMFCTargets NAMESPACE LMCommonMFC:: DESTINATION "${lm_package_folder}")

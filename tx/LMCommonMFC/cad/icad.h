@@ -28,15 +28,17 @@
 #include "drawing/symboltable.h"
 #include "framework/values/clist.h"
 
+#include <functional>
 #include <list>
 #include <map>
 #include <vector>
 
 class CHostDatabase;
 class CHostDocument;
+class CHostSelectionSet;
 
 /// Reading and changing of what a project keeps in its drawing: blocks and attributes, variables of the
-/// document, extended data, dictionaries and layers.
+/// document, extended data and links, dictionaries, layers and pages, and what a project tells of itself.
 ///
 /// What isn't there is told by the result. Members that report, in every form of theirs:
 ///   attributes   SearchAttribute, SearchAttributes, SearchAttributesConst, GetPrompt, getAttPosicaoPto,
@@ -52,6 +54,7 @@ class CHostDocument;
 ///   layers       ApagarEntidadesLayer, GetLayers, GetLayerCorrente, SetLayerCorrente, RenomearLayer
 ///   pages        GetNumeracaoPaginas, SetNumeracaoPaginas, GetOrdemGrupos, SetOrdemGrupos, GetOrdemPaginas,
 ///                SetOrdemPaginas, GetPaineisDefinidos, SetPaineisDefinidos
+///   navigation   MostrarPagina, IrPara, ZoomExtends, ExecutaFuncaoCad, BuscarDescricaoPagina
 ///   project      getVersaoProjeto, setVersaoProjeto, GetCfgProjeto, SetCfgProjeto of a name, getKeyNorma
 /// An OdError or a standard exception out of these is written to the log behind the member's name, as in
 /// "CICad::GetPrompt : reason", and raised again; members that call each other write a line each. Out of the
@@ -253,7 +256,7 @@ public:
     /// call doubles them. The reference must be open for write. Always 0; a null `btrId` adds nothing.
     int CriarAtributos(RZID btrId, OdSmartPtr<OdDbBlockReference> ref);
     /// Loads a symbol file as a block. The null id for a missing file, a refused one, and a name that is
-    /// empty or taken. A file that can't be read raises OdError.
+    /// empty or taken. One that can't be read, or be moved to its base point as a whole, raises OdError.
     RZID carregaBTR(RZString nome, RZString arquivo);
     /// The definitions of a block by its name, which is loaded from a symbol file when the drawing lacks it:
     /// as for the block's record, or 2, with `lista` as it was, when there is no such block.
@@ -261,8 +264,8 @@ public:
     /// Replaces entities by plain geometry in model space, all on a layer that must exist. A reference falls
     /// into its pieces, one level; of its attribute definitions only those become texts whose attribute is
     /// visible and without a value, as empty texts: values don't reach the result. Extended data isn't taken
-    /// along. The sources are erased last, wherever they stand: a failure before leaves them. False, with
-    /// nothing changed, for a null list, an empty name and a drawing without model space.
+    /// along. The sources are erased last, wherever they stand: a failure before, such as a reference without
+    /// a block, leaves them. False, with nothing changed, for a null list, an empty name, no model space.
     bool explodeEntitiesToLayer(CList<RZID, const RZID&>* ids, RZString layer);
     /// Brings the model space of a drawing, attributes too, to layer "0", makes that the current layer and
     /// erases all others but those that the drawing won't give up, such as those of entities in blocks.
@@ -276,7 +279,7 @@ public:
     /// handle and name, gets new entities and the origin (0, 0, 0); its references, in any owner, keep their
     /// place, layer and extended data and get new attributes, with the values and the invisibility that the
     /// attributes of these tags had. False for a refused file, a null drawing, and a name that can't be made.
-    /// A file that is missing or can't be read raises OdError. A failure on the way leaves the block half
+    /// A file that is missing, can't be read or moved raises OdError. A failure on the way leaves it half
     /// done: callers bracket the call in an undo group.
     bool RedefinirBloco(RZString arquivo, RZString nome);
     bool RedefinirBloco(OdSmartPtr<OdDbDatabase> db, RZString nome);
@@ -389,7 +392,7 @@ public:
     /// The three texts of a circuit. False, with all of them as they were, unless the answer is a list that
     /// begins with three texts.
     bool buscaCircuitoLocal(int numero, RZString& a, RZString& b, RZString& c);
-    /// The texts of a component's circuit, and its number, which is handed out even when there are no texts.
+    /// The texts of a component's circuit, and its number even without texts; an unknown one stays as it was.
     bool buscaCircuitoLocal(OdSmartPtr<OdDbObject> obj, RZString& a, RZString& b, RZString& c);
     bool buscaCircuitoLocal(OdSmartPtr<OdDbObject> obj, RZString& a, RZString& b, RZString& c, int& numero);
     /// False without a getDatabase().
@@ -459,6 +462,61 @@ public:
     /// The line types of getDatabase() in table order, only with `todos` those for "by block" and "by layer".
     RZStringList getTiposLinhas(bool todos);
 
+    // --- Selection ---
+    //
+    // Entities of model space that a box touches or crosses, in drawing order, on exactly this layer, be it
+    // frozen or not. Points are in the user's coordinates of `db`. A setting of the session is 1 while the
+    // search runs and has its old value again when it ends, whatever the end.
+
+    /// The selection by a box, from two corners in any order. The caller owns it; null when nothing lies
+    /// there, and for a database without a document, a null one too.
+    CHostSelectionSet* SSGetCrossing(OdGePoint3d primeiro, OdGePoint3d segundo, CHostString layer,
+                                     CHostDatabase* db);
+    /// The same by a box around a point, 0.3 drawing units to each side.
+    CHostSelectionSet* SSGetCrossing(OdGePoint3d ponto, CHostString layer, CHostDatabase* db);
+    /// Call a function for each selected entity in order. The search has ended by then, so the function may
+    /// search again; it isn't called when nothing was selected.
+    void SSGetCrossing(OdGePoint3d primeiro, OdGePoint3d segundo, CHostString layer, CHostDatabase* db,
+                       std::function<void(OdDbObjectId)> funcao);
+    void SSGetCrossing(OdGePoint3d ponto, CHostString layer, CHostDatabase* db,
+                       std::function<void(OdDbObjectId)> funcao);
+
+    // --- Geometry ---
+
+    /// The unit of an angle; any other value than degrees means radians.
+    enum enTipoAngulo : int { kRadianos = 0, kGraus = 1 };
+
+    /// The box of an entity in plain x and y, for the classes that occur in a schematic: references,
+    /// polylines by their vertices, lines, circles, ellipses as if they were circles of the major axis, and,
+    /// only when `completo` (full) is true, texts. False, with the outputs as they were, for null, any other
+    /// class, a polyline without vertices, and a text that isn't wanted.
+    ///
+    /// A reference has the box of its block, scaled and moved but not turned, and the attributes' boxes too
+    /// when `completo` is true. Two oddities belong to it: the box reaches from the values that the caller
+    /// passes, so that with 0 it holds the insertion point; and a negative scale factor swaps nothing. A
+    /// reference without a box gives false, and its position has been added to the outputs.
+    bool getBoundingBox(OdSmartPtr<OdDbEntity> entidade, double& xMax, double& xMin, double& yMax,
+                        double& yMin, bool completo);
+    /// The box of a block's entities without texts; those of references inside count. False, with the outputs
+    /// as they were, for null and when no entity has a box; a block inside itself has none. A
+    /// block outside a drawing raises OdError. The flag isn't looked at.
+    bool getBoundingBoxBTR(OdSmartPtr<OdDbBlockTableRecord> btr, double& xMax, double& xMin, double& yMax,
+                           double& yMin, bool completo);
+    /// The angle from the direction p1 to p2 to the direction p3 to p4, between 0 and half a turn: which way
+    /// it turns isn't seen. 0 where a direction has no length.
+    double getAngulo(enTipoAngulo tipo, OdGePoint3d p1, OdGePoint3d p2, OdGePoint3d p3, OdGePoint3d p4);
+    /// The same from the x axis to the direction p1 to p2.
+    double getAngulo(enTipoAngulo tipo, OdGePoint3d p1, OdGePoint3d p2);
+    double getAngulo(enTipoAngulo tipo, OdGeVector3d v1, OdGeVector3d v2);
+    /// Makes a point at the origin of model space on a layer, such as the one that carries the settings of a
+    /// project. Always 0, also without model space. A missing layer isn't made: OdError, and the point stays
+    /// on "0".
+    int CriarPonto(RZString layer);
+    /// Erases an object; nothing happens when it isn't there or is erased already.
+    void erase(RZID id);
+    /// Whether a path names a file or a folder.
+    bool FileExists(RZString caminho);
+
     // --- Pages: covers, indexes and numbering ---
     //
     // A page is a layer. What a project keeps of its pages stands on its settings carrier, the first point of
@@ -503,6 +561,40 @@ public:
     /// Stores a chain as it stands: its first record names the id that is replaced, and the id alone clears
     /// the panels. Null changes nothing.
     int SetPaineisDefinidos(OdSmartPtr<OdResBuf> paineis);
+
+    // --- Pages: showing them ---
+    //
+    // All pages lie in model space, and one is shown by freezing the others. What a page's name has before
+    // its first "$" is its head, the whole name without one. To a page belong the layers named by the head
+    // and "$DE", "$FORMATO" and "$SELO" behind it, of which none needs to exist. Layer "0" is no page.
+
+    /// Shows a page of getDatabase(): it becomes the current layer, and all layers are frozen but this, "0"
+    /// and those that belong to it; the one of the stamp, "$SELO", isn't shown for a cover or an index.
+    /// `zoom` fits the view. The view is redrawn in any case. 0, or 1 for "0" and a missing layer, with
+    /// nothing changed, or 2 when the page doesn't become current: "0" is current then, without a redrawing.
+    int MostrarPagina(RZString pagina, bool zoom);
+    /// The same for a series of pages: it freezes only the current layer and what belongs to it, be that "0",
+    /// and redraws nothing. "0" is shown like any other layer.
+    int MostrarPaginaPDF(RZString pagina, bool zoom);
+    /// Erases the entities of a page and then its layer; the layers that belong to it stay. "0" becomes the
+    /// current layer.
+    void ApagarPagina(RZString pagina);
+    /// Goes to an object: shows its page, unless that is shown, calls "setaPaginaCorrente", brings the object
+    /// into view with a border, in the drawing that it belongs to, and makes it the current selection.
+    /// `fator` enlarges the view. Where the object has no box, everything is brought into view, and then
+    /// redrawn if `regen` says so. A layer whose name contains "FORMATO", "SELO" or "DE" counts as belonging
+    /// to a page, PEDESTAL too, and then the first layer is shown whose name begins with the head. Nothing
+    /// happens for what is no entity.
+    void IrPara(RZID id, bool regen, double fator);
+    /// The value of an attribute of a page's stamp: of the block of this name on the page, else of the one
+    /// with "_C" or "_I" behind it, the forms for covers and indexes. Empty without a stamp or the attribute.
+    RZString BuscarDescricaoPagina(RZString tag, RZString bloco, RZString pagina);
+    /// Fits the active viewport of getDatabase() to what is shown: 0, or 2 without one.
+    int ZoomExtends();
+    /// Redraws the active document: 0, or 2 without one.
+    int Regen();
+    /// Evaluates LISP text in the active document. Always true, whatever comes of it.
+    bool ExecutaFuncaoCad(RZString expressao);
 
     // --- Version and configuration of the project ---
 

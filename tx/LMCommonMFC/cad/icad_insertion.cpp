@@ -4,6 +4,7 @@
 #include "cad/icad_detail.h"
 #include "log.h"
 
+#include "drawing/attributeplace.h"
 #include "host/database.h"
 
 OdSmartPtr<OdDbBlockReference> CICad::InserirBloco(RZString arquivo, RZString nome, RZString layer, float x,
@@ -30,7 +31,7 @@ OdSmartPtr<OdDbBlockReference> CICad::InserirBloco(RZString arquivo, RZString no
 namespace {
 
 OdSmartPtr<OdDbAttribute> attributeOf(const OdDbAttributeDefinition& definition,
-                                      const OdGeMatrix3d& transform) {
+                                      const OdDbBlockReference& ref) {
     OdSmartPtr<OdDbAttribute> attribute(new OdDbAttribute(), lm::drawing::kAttach);
     attribute->setPropertiesFrom(&definition);
     attribute->setInvisible(definition.isInvisible());
@@ -54,7 +55,7 @@ OdSmartPtr<OdDbAttribute> attributeOf(const OdDbAttributeDefinition& definition,
                                           lm::drawing::kAttach);
         attribute->setMTextAttribute(OdSmartPtr<OdDbMText>(copy));
     }
-    attribute->setAttributeFromBlock(&definition, transform);
+    lm::drawing::placeAttribute(*attribute, definition, ref);
     return attribute;
 }
 
@@ -64,13 +65,12 @@ int CICad::CriarAtributos(RZID btrId, OdSmartPtr<OdDbBlockReference> ref) {
     return lm::log::guarded("CICad::CriarAtributos", [&] {
         const OdSmartPtr<OdDbBlockTableRecord> block(btrId.openObject());
         if (block.isNull()) return 0;
-        const OdGeMatrix3d transform = ref->blockTransform();
         const OdSmartPtr<OdDbObjectIterator> walk = block->newIterator();
         for (; !walk->done(); walk->step()) {
             const OdSmartPtr<OdDbEntity> entity = walk->entity();
             const auto* const definition = OdDbAttributeDefinition::cast(entity.get());
             if (definition == nullptr || definition->isConstant()) continue;
-            ref->appendAttribute(attributeOf(*definition, transform));
+            ref->appendAttribute(attributeOf(*definition, *ref));
         }
         return 0;
     });
@@ -107,13 +107,14 @@ OdSmartPtr<OdDbText> textOf(const OdDbAttributeDefinition& definition, const OdS
 
 /// Adds the pieces of a reference. A definition gives a text where its attribute is there, visible and empty,
 /// and nothing otherwise: a value that stands in the drawing as an attribute is not to stay behind as text.
+/// Raises OdError for a reference that can't be exploded: it would be erased with nothing in its place.
 void addPieces(CICad& cad, OdDbBlockReference& ref, Entities& entities) {
     CEListaAtributos* read = nullptr;
     cad.SearchAttributes(OdSmartPtr<OdDbBlockReference>(&ref), read, false, false, RZString());
     if (read == nullptr) return;
     const lm::cad::ListOwner list(read);
     OdArray<OdSmartPtr<OdDbEntity>> pieces;
-    ref.explode(pieces);
+    if (const OdResult refused = ref.explode(pieces); refused != eOk) throw OdError(refused);
     const CHostString nothing;
     for (const OdSmartPtr<OdDbEntity>& piece : pieces) {
         const auto* const definition = OdDbAttributeDefinition::cast(piece.get());

@@ -9,36 +9,58 @@
 #include "rzprintf.h"
 
 #include "host/services.h"
-#include "system/path.h"
 
 #include <QCoreApplication>
 
-#include <filesystem>
+#include <algorithm>
+#include <vector>
 
 using lm::cad::openModelSpace;
 
 namespace {
-
-/// Whether a path names a file or a folder.
-bool pathExists(const RZString& path) {
-    std::error_code ignored;
-    return std::filesystem::exists(lm::system::nativePath(path.view()), ignored);
-}
 
 OdSmartPtr<OdDbBlockTableRecord> openModelSpaceOf(const OdDbDatabase& db,
                                                   OdDb::OpenMode mode = OdDb::kForRead) {
     return OdSmartPtr<OdDbBlockTableRecord>(db.getModelSpaceId().openObject(mode));
 }
 
-/// Moves the entities of a block so that its origin becomes (0, 0, 0). One that can't be moved stays.
-void moveOriginToZero(OdDbBlockTableRecord& block) {
+/// Moves the entities of a block so that its origin becomes (0, 0, 0). False when one can't be moved: the
+/// block is torn then, and of no use.
+bool moveOriginToZero(OdDbBlockTableRecord& block) {
+    const bool stays = block.origin() == OdGePoint3d();
     const OdGeMatrix3d shift = OdGeMatrix3d::translation(-block.origin().asVector());
     const OdSmartPtr<OdDbObjectIterator> walk = block.newIterator();
     for (; !walk->done(); walk->step()) {
         const OdSmartPtr<OdDbEntity> entity(walk->objectId().openObject(OdDb::kForWrite));
-        entity->transformBy(shift);
+        if (entity->transformBy(shift) != eOk && !stays) return false;
     }
     block.setOrigin(OdGePoint3d());
+    return true;
+}
+
+using Ids = std::vector<OdDbObjectId>;
+
+Ids blocksOf(const OdDbDatabase& db) {
+    const OdSmartPtr<OdDbSymbolTable> table(db.getBlockTableId().openObject());
+    Ids ids;
+    if (table.isNull()) return ids;
+    const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
+    for (; !walk->done(); walk->step()) ids.push_back(walk->getRecordId());
+    return ids;
+}
+
+/// Erases the blocks that weren't there before, with what is in them.
+void eraseNewBlocks(const OdDbDatabase& db, const Ids& before) {
+    Ids added;
+    for (const OdDbObjectId id : blocksOf(db))
+        if (std::find(before.begin(), before.end(), id) == before.end()) added.push_back(id);
+    // All references first: a block that is in use isn't given up.
+    for (const OdDbObjectId id : added) {
+        const OdSmartPtr<OdDbBlockTableRecord> block(id.openObject());
+        const OdSmartPtr<OdDbObjectIterator> walk = block->newIterator();
+        for (; !walk->done(); walk->step()) walk->objectId().openObject(OdDb::kForWrite)->erase(true);
+    }
+    for (const OdDbObjectId id : added) id.openObject(OdDb::kForWrite)->erase(true);
 }
 
 /// Whether model space holds a reference to anything but an anonymous block.
@@ -76,10 +98,13 @@ OdSmartPtr<CHostDatabase> lm::cad::readSymbolFile(const RZString& path) {
 OdDbObjectId lm::cad::insertSymbol(const RZString& name, OdDbDatabase& source) {
     CHostDatabase* const db = getDatabase();
     if (db == nullptr) return OdDbObjectId::kNull;
+    const Ids before = blocksOf(*db);
     const OdDbObjectId id = db->insert(name, &source, true);
     if (!id.isValid()) return OdDbObjectId::kNull;
-    moveOriginToZero(*OdSmartPtr<OdDbBlockTableRecord>(id.openObject(OdDb::kForWrite)));
-    return id;
+    if (moveOriginToZero(*OdSmartPtr<OdDbBlockTableRecord>(id.openObject(OdDb::kForWrite)))) return id;
+    eraseNewBlocks(*db, before);
+    const CHostString told("the symbol holds an entity that can't be moved to its origin");
+    throw OdError(eNotApplicable, OdString(told.view()));
 }
 
 bool CICad::canInsert(OdSmartPtr<OdDbDatabase> db, RZString nome, RZString caminho) {
@@ -98,7 +123,7 @@ bool CICad::canInsert(OdSmartPtr<OdDbDatabase> db, RZString nome, RZString camin
 }
 
 RZID CICad::carregaBTR(RZString nome, RZString arquivo) {
-    if (!pathExists(arquivo)) return RZID();
+    if (!FileExists(arquivo)) return RZID();
     const OdSmartPtr<CHostDatabase> db = lm::cad::readSymbolFile(arquivo);
     if (!canInsert(db, nome, arquivo)) return RZID();
     return lm::cad::insertSymbol(nome, *db);

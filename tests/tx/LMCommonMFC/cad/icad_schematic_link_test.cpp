@@ -469,6 +469,20 @@ TEST_F(CopiedLinks, ThatFailAreReportedAndThoseMendedBeforeStay) {
     EXPECT_EQ(mended(next, "TVO_RZ_REPRESENTACAO_ESQ"), "2 4 6 8");
 }
 
+TEST_F(CopiedLinks, OfTheFirstMappingAreMendedBeforeThoseOfTheSecond) {
+    const OdDbObjectId early = full({"TVO_RZ"}), late = full({"TVO_RZ"});
+    Recorder recorder(m_db);
+    // As above: the first object has been mended and let go by then.
+    recorder.armed = [left = 2]() mutable {
+        if (left-- <= 0) throw OdError(OdString("broken"));
+    };
+    const auto run = [&] { m_cad.reassociaBlocos(first(early), mapping({{m_other, late}})); };
+    expectLines<OdError>("second object", run, {"CICad::updateXDataHandle", "CICad::reassociaBlocos"});
+    recorder.armed = nullptr;
+    EXPECT_EQ(mended(early, "TVO_RZ_REPRESENTACAO_ESQ"), "2 4 6 8");
+    EXPECT_EQ(mended(late), "");
+}
+
 TEST_F(Links, ThatCannotBeReadAreReportedOnceForEachGuard) {
     link(m_object, kKinds[0], handle(m_schematic));
     const OdSmartPtr<OdDbObject> held = read(m_object);

@@ -243,6 +243,99 @@ TEST_F(Creation, ClonesTheFormOfSeveralLines) {
     EXPECT_EQ(plain(CHostString(made->getMTextAttribute()->contents())), "one\\Ptwo") << "a copy of its own";
 }
 
+TEST_F(Creation, PlacesTheFormOfSeveralLinesByTheReference) {
+    const OdDbObjectId motor = block("MOTOR");
+    const OdSmartPtr<OdDbAttributeDefinition> from = definition(motor);
+    const OdSmartPtr<OdDbMText> lines = make(new OdDbMText);
+    lines->setContents(od("one\\Ptwo"));
+    lines->setLocation({7, 8, 0});
+    lines->setTextHeight(2);
+    lines->setWidth(10);
+    from->setMTextAttributeDefinition(lines);
+    for (const double sy : {3.0, 4.0}) { // lengths change by one factor, and by two
+        const Reference reference = place(motor);
+        reference->setPosition({100, 200, 0});
+        reference->setRotation(kQuarter);
+        reference->setScaleFactors({3, sy, 3});
+        m_cad.CriarAtributos(motor, reference);
+        const OdSmartPtr<OdDbMText> made = onlyAttribute(reference)->getMTextAttribute();
+        EXPECT_EQ(told(made->location()), told(OdGePoint3d(100 - 8 * sy, 221, 0)));
+        EXPECT_EQ(told(OdGePoint3d() + made->direction()), "0,1,0");
+        EXPECT_NEAR(made->textHeight(), 2 * sy, 1e-9);
+        EXPECT_NEAR(made->width(), 30, 1e-9);
+    }
+}
+
+TEST_F(Creation, FollowsMirroredTiltedAndUnequalReferences) {
+    const OdDbObjectId motor = block("MOTOR");
+    definition(motor)->setPosition({3, 1, 2});
+    struct Row {
+        OdGeScale3d scale;
+        OdGeVector3d normal;
+        const char* at; ///< in the world
+        const char* along;
+        const char* up;
+    };
+    const Row rows[] = {{{1, 1, 1}, {0, 0, 1}, "13,1,2", "1,0,0", "0,1,0"},
+                        {{-1, 1, 1}, {0, 0, 1}, "7,1,2", "-1,0,0", "0,-1,0"},
+                        {{1, -1, 1}, {0, 0, 1}, "13,-1,2", "1,0,0", "0,1,0"},
+                        {{1, 1, -1}, {0, 0, 1}, "13,1,-2", "1,0,0", "0,1,0"},
+                        {{-2, 2, -2}, {0, 0, 1}, "4,2,-4", "-1,0,0", "0,-1,0"},
+                        {{2, 3, 1}, {0, 0, 1}, "16,3,2", "1,0,0", "0,1,0"},
+                        {{1, 1, 1}, {0, 0, -1}, "-13,1,-2", "-1,0,0", "0,1,0"},
+                        {{1, 1, -1}, {0, 0, -1}, "-13,1,2", "-1,0,0", "0,1,0"},
+                        {{1, 1, 1}, {1, 0, 0}, "2,13,1", "0,1,0", "0,0,1"}};
+    for (const Row& row : rows) {
+        const Reference reference = place(motor);
+        reference->setNormal(row.normal);
+        reference->setPosition({10, 0, 0});
+        reference->setScaleFactors(row.scale);
+        m_cad.CriarAtributos(motor, reference);
+        const OdSmartPtr<OdDbAttribute> made = onlyAttribute(reference);
+        const OdGeMatrix3d plane = OdGeMatrix3d::planeToWorld(made->normal());
+        const double c = std::cos(made->rotation()), s = std::sin(made->rotation());
+        EXPECT_EQ(told(plane * made->position()), row.at);
+        EXPECT_EQ(told(OdGePoint3d() + plane * OdGeVector3d(c, s, 0)), row.along) << row.at;
+        EXPECT_EQ(told(OdGePoint3d() + plane * OdGeVector3d(-s, c, 0)), row.up) << row.at;
+    }
+}
+
+TEST_F(Creation, KeepsWhatIsHiddenHidden) {
+    const OdDbObjectId motor = block("MOTOR");
+    definition(motor)->setVisible(false);
+    const Reference reference = place(motor);
+    m_cad.CriarAtributos(motor, reference);
+    EXPECT_FALSE(onlyAttribute(reference)->isVisible());
+}
+
+TEST_F(Creation, NeedsNoReferenceWhereNothingIsDefined) {
+    EXPECT_EQ(m_cad.CriarAtributos(block("BARE", {{"CONST", "", "c", true}}), Reference()), 0);
+    EXPECT_THROW(m_cad.CriarAtributos(block("MOTOR", {{"A", "", "1"}}), Reference()), OdError);
+}
+
+TEST_F(Creation, PlacesTheFormOfSeveralLinesUnderTheReference) {
+    const OdDbObjectId motor = block("MOTOR");
+    const OdSmartPtr<OdDbAttributeDefinition> from = definition(motor);
+    const OdSmartPtr<OdDbMText> lines = make(new OdDbMText);
+    lines->setLocation({3, 1, 0});
+    lines->setTextHeight(2);
+    from->setMTextAttributeDefinition(lines);
+    const Reference reference = place(motor);
+    reference->setPosition({100, 200, 0});
+    reference->setScaleFactors({3, 3, 3});
+    m_cad.CriarAtributos(motor, reference);
+    const OdSmartPtr<OdDbMText> made = onlyAttribute(reference)->getMTextAttribute();
+    EXPECT_EQ(told(made->location()), "109,203,0");
+    EXPECT_DOUBLE_EQ(made->textHeight(), 6);
+    EXPECT_EQ(told(lines->location()), "3,1,0") << "the definition's own stays";
+
+    const Reference stretched = place(motor);
+    stretched->setPosition({100, 200, 0});
+    stretched->setScaleFactors({3, 2, 1});
+    m_cad.CriarAtributos(motor, stretched);
+    EXPECT_EQ(told(onlyAttribute(stretched)->getMTextAttribute()->location()), "109,202,0");
+}
+
 TEST_F(Creation, PassesOverWhatNeedsNoAttribute) {
     const OdDbObjectId motor = block("MOTOR", {{"CONST", "", "c", true}, {"A", "", "1"}});
     line(motor, {0, 0, 0}, {1, 0, 0});
@@ -413,6 +506,36 @@ TEST_F(Explosion, ErasesAReferenceThatOffersNoAttributesAndTakesNothingFromIt) {
     EXPECT_TRUE(explode({id}));
     EXPECT_TRUE(id.isErased());
     EXPECT_THAT(modelSpace(), IsEmpty());
+}
+
+TEST_F(Explosion, LeavesTheSourcesWhenAReferenceCannotBeExploded) {
+    const OdDbObjectId kept = line(m_db.getModelSpaceId(), {0, 0, 0}, {1, 0, 0});
+    const OdDbObjectId gone = block("GONE");
+    const OdDbObjectId orphan = place(gone)->objectId();
+    erase(gone);
+    ASSERT_TRUE(gone.isErased());
+    for (const OdDbObjectId id : {orphan, place(OdDbObjectId())->objectId()}) {
+        const std::string before = dumpOf(m_db);
+        const lm::test::LogCapture log;
+        try {
+            explode({kept, id});
+            FAIL() << "must raise";
+        } catch (const OdError& error) {
+            EXPECT_EQ(error.code(), eNotApplicable);
+        }
+        EXPECT_EQ(linesOf(log).size(), 1u);
+        EXPECT_EQ(dumpOf(m_db), before);
+    }
+}
+
+TEST_F(Explosion, LeavesNoDataOnPiecesAndOnTheirTexts) {
+    const OdDbObjectId motor = block("MOTOR");
+    give(line(motor, {0, 0, 0}, {1, 0, 0}), "A", {"one"});
+    give(define(motor, {"EMPTY", "", ""}), "A", {"two"});
+    EXPECT_TRUE(explode({place(motor, {{"EMPTY", ""}})->objectId()}));
+    EXPECT_EQ(modelSpace().size(), 2u);
+    const auto walk = openBlock(m_db.getModelSpaceId())->newIterator();
+    for (; !walk->done(); walk->step()) EXPECT_EQ(data(walk->objectId()), "null");
 }
 
 TEST_F(Explosion, PassesOverWhatCannotBeOpened) {

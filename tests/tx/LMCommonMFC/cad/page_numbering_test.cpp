@@ -112,6 +112,21 @@ TEST_P(PageMarks, AreToldToReactorsAndCanBeTakenBack) {
     EXPECT_THAT(recorder.taken(), IsEmpty());
 }
 
+TEST_P(PageMarks, OpenForWriteOnlyTheLayerAndOnlyWhenItIsMarked) {
+    const OdSmartPtr<OdDbObject> table = read(m_db.getLayerTableId()), page = read(m_page);
+    table->downgradeOpen();
+    page->downgradeOpen();
+    give(m_page, GetParam().id, {"word"});
+    page->downgradeOpen();
+    EXPECT_TRUE(isMarked("P1"));
+    EXPECT_TRUE(isMarked(m_page));
+    EXPECT_FALSE(page->isWriteEnabled());
+    EXPECT_FALSE(table->isWriteEnabled());
+    mark("P1");
+    EXPECT_TRUE(page->isWriteEnabled());
+    EXPECT_FALSE(table->isWriteEnabled());
+}
+
 TEST_P(PageMarks, PassOverALayerThatRefusesToBeWritten) {
     lm::drawing::refuseWriting(m_page);
     mark("P1");

@@ -103,6 +103,43 @@ TEST_F(Project, ReadsAVersionOfTwoTextsOnly) {
     EXPECT_EQ(version(), "b") << "the entry's class doesn't matter";
 }
 
+/// Memory ends at each allocation in turn: what stands in the drawing then is the earlier version, or none.
+TEST_F(Project, IsNeverSeenWithAVersionThatHasNoData) {
+    const lm::test::LogCapture log;
+    const auto isStoredWith = [&](long allocations, const char* next) {
+        lm::drawing::failAllocationAfter(allocations);
+        bool isStored = true;
+        try {
+            m_cad.setVersaoProjeto(next);
+        } catch (const std::bad_alloc&) {
+            isStored = false;
+        }
+        lm::drawing::failAllocationAfter(-1);
+        return isStored;
+    };
+    const auto entry = [&] { return holder().isNull() ? "none" : handle(holder()) + " " + data(holder()); };
+    for (const char* next : {"1", "2"}) {
+        const std::string before = entry();
+        long allocations = 0;
+        for (; allocations < 1000 && !isStoredWith(allocations, next); ++allocations)
+            ASSERT_EQ(entry(), before) << allocations;
+        EXPECT_GT(allocations, 1);
+        EXPECT_EQ(data(holder()), std::string("1001:RZ_VERSAO 1000:") + next + " 1000:9.9.9");
+    }
+}
+
+TEST_F(Project, IsOpenedForReadingToTellItsVersion) {
+    m_cad.setVersaoProjeto("1");
+    const OdSmartPtr<OdDbObject> root = read(m_db.getNamedObjectsDictionaryId()), entry = read(holder());
+    root->downgradeOpen();
+    entry->downgradeOpen();
+    EXPECT_EQ(version(), "9.9.9");
+    EXPECT_FALSE(root->isWriteEnabled());
+    EXPECT_FALSE(entry->isWriteEnabled());
+    m_cad.setVersaoProjeto("2");
+    EXPECT_TRUE(root->isWriteEnabled());
+}
+
 TEST_F(Project, WithoutADatabaseHasNoVersion) {
     m_documents.manager.closeAll();
     m_cad.setVersaoProjeto("1");
@@ -378,6 +415,33 @@ TEST_F(NormKey, OfARepresentationWithoutItsObjectIsItsOwnText) {
     }
     EXPECT_EQ(keyOf("TVO_RZ_REPRESENTACAO", {"first"}), kNothing);
     EXPECT_EQ(keyOf("TVO_RZ_REPRESENTACAO", {}), kNothing);
+}
+
+TEST_F(NormKey, OfARepresentationIsLookedUpInTheCurrentDatabase) {
+    CHostDatabase other;
+    const OdDbObjectId here = m_db.getLayerZeroId(), there = other.getLayerZeroId();
+    ASSERT_EQ(handle(here), handle(there)) << "two new drawings number alike";
+    here.openObject(OdDb::kForWrite)->setXData(chainOf({"A\fB"}, "TVO_RZ"));
+    there.openObject(OdDb::kForWrite)->setXData(chainOf({"C\fD"}, "TVO_RZ"));
+    const OdDbObjectId object = pointWith("TVO_RZ_REPRESENTACAO", {"first", handle(here), "X_Y"});
+    EXPECT_EQ(key(object), "A|B");
+    setDatabase(&other);
+    EXPECT_EQ(key(object), "C|D") << "not in the drawing that the object belongs to";
+    CHostDatabase bare(CHostDatabase::kNothing);
+    setDatabase(&bare);
+    EXPECT_EQ(key(object), "X|Y") << "unknown there";
+    setDatabase(nullptr);
+}
+
+TEST_F(NormKey, IsReadFromObjectsThatAreOpenForReading) {
+    const OdDbObjectId target = pointWith("TVO_RZ", {"A\fB"});
+    const OdDbObjectId object = pointWith("TVO_RZ_REPRESENTACAO", {"first", handle(target), "X_Y"});
+    const OdSmartPtr<OdDbObject> shown = read(target), held = read(object);
+    shown->downgradeOpen();
+    held->downgradeOpen();
+    EXPECT_EQ(key(object), "A|B");
+    EXPECT_FALSE(shown->isWriteEnabled());
+    EXPECT_FALSE(held->isWriteEnabled());
 }
 
 TEST_F(NormKey, ComesFromTheFirstKindOfChainAlone) {

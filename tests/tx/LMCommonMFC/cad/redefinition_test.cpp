@@ -99,6 +99,19 @@ TEST_F(Redefinition, LeavesTheBlockWhenTheFileIsRefused) {
     EXPECT_EQ(dumpOf(m_db), before);
 }
 
+TEST_F(Redefinition, LeavesTheBlockWhenTheFileCannotBeMovedToItsOrigin) {
+    const OdDbObjectId motor = oldBlock({{"A", "", "1"}});
+    const OdDbObjectId reference = placed(motor, {{"A", "value"}});
+    const Texts before = blocks(), content = entitiesOf(motor);
+    const lm::test::LogCapture log;
+    EXPECT_THROW(m_cad.RedefinirBloco(unmovable("100.0"), "MOTOR"), OdError);
+    EXPECT_THAT(linesOf(log), testing::Each(StartsWith("CICad::RedefinirBloco : ")));
+    EXPECT_FALSE(linesOf(log).empty());
+    EXPECT_EQ(blocks(), before) << "the temporary block is gone";
+    EXPECT_EQ(entitiesOf(motor), content);
+    EXPECT_THAT(attributesOf(openReference(reference)), ElementsAre("A=value"));
+}
+
 TEST_F(Redefinition, HoldsAnOpenDrawingToNoRules) {
     const lm::test::ConsoleCapture console;
     const Source db = symbol();
@@ -221,6 +234,48 @@ TEST_F(Redefinition, TakesTheFormOfAttributesFromTheDefinition) {
     EXPECT_EQ(made->height(), 2.5);
     EXPECT_EQ(plain(CHostString(made->layer())), "0");
     EXPECT_EQ(plain(CHostString(made->textString())), "1");
+}
+
+TEST_F(Redefinition, ShowsTheFrontOfAttributesUnderANegativeScaleInZ) {
+    const OdDbObjectId reference = placed(oldBlock({{"A", "", ""}}), {{"A", "1"}});
+    {
+        const Reference open(reference.openObject(OdDb::kForWrite));
+        open->setPosition({100, 0, 0});
+        open->setScaleFactors({-1, 1, -1});
+    }
+    const Source db = symbol();
+    const OdSmartPtr<OdDbAttributeDefinition> definition(
+        define(db->getModelSpaceId(), {"A", "", ""}).openObject(OdDb::kForWrite));
+    definition->setPosition({1, 2, 0});
+    ASSERT_TRUE(m_cad.RedefinirBloco(db, "MOTOR"));
+    EXPECT_THAT(attributesOf(openReference(reference)), ElementsAre("A=1"));
+    const OdSmartPtr<OdDbAttribute> made = attributeOf(openReference(reference), 0);
+    EXPECT_EQ(told(made->position()), "99,2,0");
+    EXPECT_EQ(told(OdGePoint3d() + made->normal()), "0,0,1");
+    EXPECT_NEAR(std::fabs(made->rotation()), 2 * std::acos(0.0), 1e-9);
+}
+
+TEST_F(Redefinition, KeepsTheLinesOfAnAttributeInTheNewPlace) {
+    const OdDbObjectId reference = placed(oldBlock({{"A", "", ""}}), {{"A", ""}});
+    {
+        const Reference open(reference.openObject(OdDb::kForWrite));
+        open->setPosition({100, 0, 0});
+        const OdSmartPtr<OdDbAttribute> attribute(attributeId(reference).openObject(OdDb::kForWrite));
+        attribute->setMTextAttribute(make(new OdDbMText));
+        attribute->setTextString(od("two\nlines"));
+    }
+    const Source db = symbol();
+    const OdSmartPtr<OdDbAttributeDefinition> definition(
+        define(db->getModelSpaceId(), {"A", "", "default"}).openObject(OdDb::kForWrite));
+    const OdSmartPtr<OdDbMText> lines = make(new OdDbMText);
+    lines->setContents(od("default"));
+    lines->setLocation({1, 2, 0});
+    definition->setMTextAttributeDefinition(lines);
+    ASSERT_TRUE(m_cad.RedefinirBloco(db, "MOTOR"));
+    EXPECT_THAT(attributesOf(openReference(reference)), ElementsAre("A=two\nlines"));
+    const OdSmartPtr<OdDbMText> made = attributeOf(openReference(reference), 0)->getMTextAttribute();
+    EXPECT_EQ(told(made->location()), "101,2,0");
+    EXPECT_EQ(plain(CHostString(made->contents())), "two\\Plines");
 }
 
 TEST_F(Redefinition, LetsTheSpellingOfTheNewDefaultWin) {

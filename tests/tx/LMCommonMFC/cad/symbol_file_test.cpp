@@ -98,6 +98,29 @@ TEST_F(SymbolFile, StandsWithItsBasePointAtTheOrigin) {
     EXPECT_THAT(entitiesOf(id), ElementsAre("LINE 0 -10,-5,0 0,-5,0", "ATTDEF 0 ''", "LINE 0 0,0,0 2,0,0"));
 }
 
+TEST_F(SymbolFile, IsRefusedWholeWhenAnEntityCannotBeMovedToTheOrigin) {
+    const Texts before = blocks();
+    try {
+        m_cad.carregaBTR("MOTOR", unmovable("100.0"));
+        FAIL() << "must raise";
+    } catch (const OdError& error) {
+        EXPECT_EQ(error.code(), eNotApplicable);
+    }
+    EXPECT_EQ(blocks(), before);
+    EXPECT_EQ(blockNamed("MOTOR"), OdDbObjectId());
+    const lm::test::LogCapture log;
+    EXPECT_THROW(m_cad.InserirBloco(unmovable("100.0"), "MOTOR", "0", 0, 0, 0, 0), OdError);
+    ASSERT_EQ(linesOf(log).size(), 1u);
+    EXPECT_THAT(linesOf(log)[0], testing::StartsWith("CICad::InserirBloco : "));
+    EXPECT_THAT(modelSpace(), IsEmpty());
+}
+
+TEST_F(SymbolFile, MayHoldWhatCannotBeMovedWhereNothingMoves) {
+    const RZID id = m_cad.carregaBTR("MOTOR", unmovable("0.0"));
+    ASSERT_TRUE(id.isValid());
+    EXPECT_EQ(entitiesOf(id).size(), 2u);
+}
+
 // --- admission ---
 
 TEST_F(SymbolFile, IsRefusedForASecondLayerThatNothingUses) {

@@ -100,6 +100,16 @@ protected:
         lm::drawing::saveDrawing(db, od(path));
         return rz(path);
     }
+    /// A symbol file with a line and an entity that can't be moved, and with its base point at an x.
+    RZString unmovable(const char* x) {
+        return rz(m_folder.file(
+            "unmovable.dxf",
+            std::string("0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1027\n9\n$INSBASE\n10\n") + x +
+                "\n20\n0.0\n30\n0.0\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nLINE\n5\nA1\n100\n"
+                "AcDbEntity\n8\n0\n100\nAcDbLine\n10\n100.0\n20\n0.0\n30\n0.0\n11\n101.0\n"
+                "21\n0.0\n31\n0.0\n0\nOLE2FRAME\n5\nA2\n100\nAcDbEntity\n8\n0\n100\n"
+                "AcDbOle2Frame\n70\n2\n10\n100.0\n20\n5.0\n30\n0.0\n0\nENDSEC\n0\nEOF\n"));
+    }
     RZString missing() { return rz((m_folder.path() / "missing.dxf").string()); }
     RZString damaged() { return rz(m_folder.file("damaged.dxf", "no drawing at all")); }
 
