@@ -91,8 +91,9 @@ Circuits circuitsOf(const OdDbDatabase& drawing) {
         const OdSmartPtr<OdDbObject> entry = walk->getObject();
         const OdDbXrecord* const record = OdDbXrecord::cast(entry.get());
         if (record == nullptr) continue;
-        if (const std::optional<Circuit> circuit = circuitOf(*record))
-            circuits.emplace(circuit->number, *circuit);
+        const std::optional<Circuit> circuit = circuitOf(*record);
+        // One that isn't entered under its number would be listed, and never dropped.
+        if (circuit && walk->name() == entryOf(circuit->number)) circuits.emplace(circuit->number, *circuit);
     }
     return circuits;
 }

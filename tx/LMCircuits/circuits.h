@@ -31,7 +31,7 @@ struct Circuit {
 
 using Circuits = std::map<int, Circuit>;
 
-/// The circuits of a drawing by number. What isn't a whole circuit is passed over.
+/// The circuits of a drawing by number. What isn't a whole circuit entered under its number is passed over.
 Circuits circuitsOf(const OdDbDatabase& drawing);
 /// Keeps a circuit in the drawing, in place of the one of the same number.
 void keep(OdDbDatabase& drawing, const Circuit& circuit);

@@ -30,6 +30,10 @@ std::string joined(const std::list<RZString>& texts) {
     return line;
 }
 
+[[noreturn]] void failWithoutSchematic(CICad& cad, OdDbObjectId component) {
+    fail(described(cad, component) + " has no schematic object");
+}
+
 /// The entities that bear a number, by it.
 std::map<int, std::vector<std::string>> membersByNumber(CICad& cad) {
     std::map<int, std::vector<std::string>> members;
@@ -65,7 +69,7 @@ void tell(OdEdCommandContext& context) {
     const OdSmartPtr<OdDbObject> object = id.openObject();
     RZString a, b, c;
     int number = 0;
-    if (!cad.buscaCircuitoLocal(object, number)) fail(described(cad, id) + " has no schematic object");
+    if (!cad.buscaCircuitoLocal(object, number)) failWithoutSchematic(cad, id);
     const bool hasTexts = cad.buscaCircuitoLocal(number, a, b, c);
     say(described(cad, id) + " is in circuit " + std::to_string(number) +
         (hasTexts ? ": " + joined({a, b, c}) : " (no texts)"));
@@ -74,12 +78,15 @@ void tell(OdEdCommandContext& context) {
 /// Asks for a component and its circuit's number, which goes to the component's schematic object.
 void set(OdEdCommandContext& context) {
     CICad cad;
-    const RZID schematic = cad.getObjIdEsquema(RZID(askObject(context, "Component")));
+    const OdDbObjectId component = askObject(context, "Component");
+    const RZID schematic = cad.getObjIdEsquema(RZID(component));
     const int number = context.input().integer("Number of the circuit", 1);
     if (number < 1 || number > 32767)
         fail("\"Number of the circuit\": expected 1 to 32767, found " + std::to_string(number));
     const RZString application(OdString(lm::names::TVO_RZ_CIRCLOC));
     const OdSmartPtr<OdDbObject> object = schematic.openObject(OdDb::kForWrite);
+    // An erased schematic object is still known to its drawing, and a link to it leads there.
+    if (object.isNull()) failWithoutSchematic(cad, component);
     // Changes a number that is there and registers the id in any case; a chain that is new is made whole.
     if (!cad.updateXData(object, application, 1, number)) {
         const OdSmartPtr<OdResBuf> chain = OdResBuf::newRb(1001, OdString(application));

@@ -11,13 +11,27 @@ namespace {
 
 using lm::host::CommandInput;
 
-/// The links that lead to a schematic object, in the order in which the library follows them.
-constexpr const char* kLinks[] = {"TVO_LAYOUT_PAINEL", "TVO_RZ_UNIFILAR", "TVO_RZ_REPRESENTACAO",
-                                  "TVO_RZ_ANILHAFIO", "TVO_RZ_ANILHACABO"};
+/// The links that lead to a schematic object, in the order in which the library follows them, and at which
+/// position the handle stands. An id without a record there is no link.
+struct Link {
+    const char* application;
+    int position;
+};
+constexpr Link kLinks[] = {{"TVO_LAYOUT_PAINEL", 1},
+                           {"TVO_RZ_UNIFILAR", 1},
+                           {"TVO_RZ_REPRESENTACAO", 2},
+                           {"TVO_RZ_ANILHAFIO", 1},
+                           {"TVO_RZ_ANILHACABO", 1}};
+
+bool bears(const OdDbEntity& entity, const Link& link) {
+    OdSmartPtr<OdResBuf> record = entity.xData(link.application);
+    for (int i = 0; i < link.position && !record.isNull(); ++i) record = record->next();
+    return !record.isNull();
+}
 
 std::string linkOf(const OdDbEntity& entity) {
-    for (const char* const link : kLinks)
-        if (!entity.xData(link).isNull()) return link;
+    for (const Link& link : kLinks)
+        if (bears(entity, link)) return link.application;
     return "no link";
 }
 

@@ -51,6 +51,33 @@ class Evaluation(unittest.TestCase):
         self.assertEqual(len(run.error_lines), 1)
         self.assertIn("thrown by a module", run.error_lines[0])
 
+    def test_copies_by_lists_are_whole_in_the_file(self):
+        folder = tempfile.mkdtemp(prefix="lm cópias ")
+        self.addCleanup(shutil.rmtree, folder, ignore_errors=True)
+        out = os.path.join(folder, "out.dxf")
+        made = evaluate("""(progn
+            (entmakex '((0 . "LTYPE") (2 . "DASH") (70 . 0) (3 . "- -") (72 . 65) (73 . 2) (40 . 1.5) (49 . 1.0) (49 . -0.5)))
+            (setq n 0 e (entnext))
+            (foreach l (list
+                '((0 . "MTEXT") (10 1 2 0) (71 . 5) (3 . "one ") (1 . "two") (50 . 0.5) (73 . 2))
+                '((0 . "LWPOLYLINE") (6 . "DASH") (10 0 0) (40 . 0.1) (41 . 0.2) (10 1 1) (39 . 2.0))
+                '((0 . "LINE") (10 0 0) (11 1 1) (39 . 2.0) (210 0 0 -1))
+                (list '(0 . "INSERT") (cons 2 (cdr (assoc 2 (tblnext "BLOCK" t)))) '(10 0 0) '(70 . 3) '(44 . 10.0)))
+              (setq a (entmakex l) b (entmakex (entget a)))
+              (if (and a b) (setq n (1+ n))))
+            n)""", "--save", out)
+        self.assertEqual((made.code, made.output, made.errors), (0, b"4\n", ""))
+        self.assertEqual(support.Run("check", out).code, 0)
+        read = support.Run("eval", out, """(progn
+            (setq e (entlast) all nil)
+            (mapcar '(lambda (f) (setq s (ssget "X" (list f)) e (ssname s (1- (sslength s))))
+                       (vl-remove-if-not '(lambda (p) (member (car p) '(1 71 50 73 6 39 40 41 210 70 44))) (entget e)))
+                    '((1 . "one two") (6 . "DASH") (39 . 2.0) (44 . 10.0))))""")
+        self.assertEqual((read.code, read.errors), (0, ""))
+        for part in ('(71 . 5)', '(1 . "one two")', "(50 . 0.5)", "(73 . 2)", '(6 . "DASH")', "(40 . 0.1) (41 . 0.2)",
+                     "(210 0.0 0.0 -1.0)", "(70 . 3)", "(44 . 10.0)"):
+            self.assertIn(part, read.output.decode("utf-8"))
+
     def test_saving(self):
         folder = tempfile.mkdtemp(prefix="lm avaliação ")
         self.addCleanup(shutil.rmtree, folder, ignore_errors=True)

@@ -53,8 +53,15 @@ def expected_blocks(document):
     return [reference(insert) for insert in document.modelspace() if insert.dxftype() == "INSERT"]
 
 
+def text_of(attribute):
+    """The text of an attribute or a definition: what its lines show where the file has it in them alone."""
+    if attribute.dxf.text == "" and attribute.has_embedded_mtext_entity:
+        return attribute.plain_mtext()
+    return attribute.dxf.text
+
+
 def reference(insert):
-    attributes = [{"tag": attribute.dxf.tag, "value": attribute.dxf.text,
+    attributes = [{"tag": attribute.dxf.tag, "value": text_of(attribute),
                    "invisible": bool(attribute.is_invisible),
                    "handle": attribute.dxf.handle, "prompt": prompt(insert, attribute.dxf.tag)}
                   for attribute in insert.attribs]

@@ -256,6 +256,26 @@ TEST_F(OwnedCircuits, PassOverWhatIsNoCircuit) {
     EXPECT_EQ(listing(), "1=a,b,c,; ");
 }
 
+/// A circuit is dropped by the name of its entry, so one that has another name isn't taken for one.
+TEST_F(OwnedCircuits, PassOverACircuitUnderTheNameOfAnother) {
+    define("1", {"a", "b", "c"}, "P1", "0,0", "1,1");
+    define("9", {"d", "e", "f"}, "P2", "0,0", "1,1");
+    const OdSmartPtr<OdDbDictionary> dictionary = m_cad.getNamedDic("LM_LOCAL_CIRCUITS", &m_db);
+    const Chain nine = OdSmartPtr<OdDbXrecord>(dictionary->getAt(od("9"), OdDb::kForRead))->rbChain();
+    ASSERT_TRUE(m_cad.processaRegiaoApagada("P2"));
+    for (const char* name : {"5", "09", "nine"}) {
+        const OdSmartPtr<OdDbXrecord> record = make(new OdDbXrecord);
+        record->setFromRbChain(nine);
+        dictionary->setAt(od(name), record);
+    }
+    EXPECT_EQ(listing(), "1=a,b,c,; ");
+    EXPECT_EQ(at("P2", 1, 1), "T0");
+    EXPECT_FALSE(m_cad.processaRegiaoApagada("P2"));
+    EXPECT_TRUE(m_cad.clearCircLocal());
+    EXPECT_EQ(listing(), "none");
+    EXPECT_EQ(dictionary->numEntries(), 3u) << "what is somebody else's stays";
+}
+
 TEST_F(OwnedCircuits, AreAListToLisp) {
     define("1", {"a", "b", "c"}, "P1", "0,0", "1,1");
     define("4", {"d", "e", "f"}, "P1", "0,0", "1,1");

@@ -331,6 +331,21 @@ class Links(Base):
         run = self.run_script(LINE % 3.0 + '(command "_LMLINKS" (entlast))\n')
         self.assertRegex(run.text, r"^object without a schematic object \w+ LINE on 0, 0 other appearances\n$")
 
+    def test_an_id_without_its_record_is_no_link(self):
+        document = ezdxf.new()
+        schematic = document.modelspace().add_point((0, 0))
+        for application, chain in (("TVO_RZ_REPRESENTACAO", ("only one",)), ("TVO_LAYOUT_PAINEL", ()),
+                                   ("TVO_RZ_ANILHACABO", (schematic.dxf.handle,))):
+            label = document.modelspace().add_line((0, 0), (1, 1))
+            for name, values in ((application, chain), ("TVO_RZ_ANILHAFIO", (schematic.dxf.handle,))):
+                if name not in document.appids:
+                    document.appids.add(name)
+                label.set_xdata(name, [(1000, value) for value in values])
+        drawing = self.path("labels.dxf")
+        document.saveas(drawing)
+        run = self.run_script("_LMLINKS %s\n" % schematic.dxf.handle, drawing=drawing)
+        self.assertEqual([line.split("  by ")[1] for line in run.text.splitlines()[1:]], ["TVO_RZ_ANILHAFIO"] * 3)
+
     def test_links_of_copies_lead_to_copies(self):
         document = self.sample()
         coil, = self.handle(document, "CONTACTOR_COIL", "P04")
@@ -392,6 +407,15 @@ class Circuits(Base):
                                   ("_LMCIRCUIT Component NONE", ("NONE",))):
             with self.subTest(command):
                 self.refused(self.DEFINED, command, *expected)
+
+    def test_a_component_whose_schematic_object_was_erased_is_refused(self):
+        inserts = ezdxf.readfile(support.SAMPLE).modelspace().query("INSERT")
+        coil, footprint = [[e.dxf.handle for e in inserts if (e.dxf.name, e.dxf.layer) == where][0]
+                           for where in (("CONTACTOR_COIL", "P04"), ("LAY_CONTACTOR", "P07"))]
+        for command in ("_LMCIRCUIT Set %s 2", "_LMCIRCUIT Component %s"):
+            with self.subTest(command):
+                self.refused('_ERASE (handent "%s")\n\n' % coil, command % footprint,
+                             "%s LAY_CONTACTOR on P07 has no schematic object" % footprint, drawing=support.SAMPLE)
 
 
 class Documentation(Base):
