@@ -69,7 +69,8 @@ private:
         if (const auto* named = OdDbSymbolTableRecord::cast(&object))
             line += " " + plain(CHostString(named->getName()));
         m_events.push_back(line);
-        if (armed) armed();
+        const std::function<void()> deed = armed; // which may disarm
+        if (deed) deed();
     }
     OdDbDatabase& m_database;
     Texts m_events;
