@@ -181,6 +181,13 @@ TEST(ReaderStructure, TakesRecordsOutOfATableOfAnotherKind) {
     });
 }
 
+TEST(ReaderStructure, PassesOverTheEndOfASectionInFrontOfTheFirst) {
+    inBothForms("0 ENDSEC|" + dxf::Parts().groups(), [](OdDbDatabase& db) {
+        EXPECT_EQ(db.report().count(Defect::kStrayEntry), 1u) << reportOf(db);
+        EXPECT_EQ(namesOf(db.getLayerTableId()), (Names{"0"}));
+    });
+}
+
 TEST(ReaderStructure, TakesTablesInAnyOrderAndTwice) {
     dxf::Parts parts;
     parts.tables = dxf::Parts::table("LAYER", "40", dxf::Parts::layer("41", "SECOND", "62 -3"));

@@ -62,14 +62,14 @@ void dropMark(system::FileBytes& bytes) {
         std::memset(bytes.data(), ' ', 3);
 }
 
-/// Tells a text drawing by its first group: a comment or the start of a section.
+/// Tells a text drawing by its first group: a comment, the start of a section, or the end of one too many.
 bool looksLikeText(const system::FileBytes& bytes) {
     Source probe;
     TextCursor cursor(probe, bytes.data(), bytes.data() + std::min<std::size_t>(bytes.size(), 1 << 16));
     Group group;
     if (cursor.next(group) != Step::kGroup) return false;
-    return group.code == 999 ||
-           (group.code == 0 && (stripped(group.raw()) == "SECTION" || stripped(group.raw()) == "EOF"));
+    const std::string_view type = stripped(group.raw());
+    return group.code == 999 || (group.code == 0 && (type == "SECTION" || type == "ENDSEC" || type == "EOF"));
 }
 
 void prepare(Source& source) {
