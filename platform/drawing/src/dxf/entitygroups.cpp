@@ -174,8 +174,8 @@ void keepGroups(OdDbDatabase& database, OdDbObject& object, const OdResBuf* grou
     std::string bytes;
     const FileForm form{.lineEnd = "\n"};
     const TextEncoder encoder;
-    GroupWriter out([&bytes](const char* begin, std::size_t size) { bytes.append(begin, size); }, form,
-                    encoder, nullptr, false);
+    const ByteSink sink = [&bytes](const char* begin, std::size_t size) { bytes.append(begin, size); };
+    GroupWriter out(sink, form, encoder, nullptr, false);
     out.put(entryAround(object, kept));
     out.flush();
     const DatabaseData& data = database.data();

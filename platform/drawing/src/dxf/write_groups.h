@@ -29,8 +29,10 @@ class GroupWriter {
 public:
     /// `encoder` is the one of `form.page`. Groups of `own`, which may be null, keep their looks. With
     /// `watch`, a file that could be taken for UTF-8 gets a comment before its end that can't.
+    /// The sink stays the caller's.
     GroupWriter(const ByteSink& sink, const FileForm& form, const TextEncoder& encoder, const Source* own,
                 bool watch);
+    GroupWriter(ByteSink&&, const FileForm&, const TextEncoder&, const Source*, bool) = delete;
 
     /// Whether bytes of a source can be written as they stand, as far as form and encoding go. Where only the
     /// encoding differs, bytes below 0x80 still can.
