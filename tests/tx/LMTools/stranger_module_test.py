@@ -60,7 +60,8 @@ def main():
         project = pathlib.Path(abroad) / "fonte"
         shutil.copytree(source, project)
         own_build = pathlib.Path(abroad) / "obra"
-        run(cmake, "-S", project, "-B", own_build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_CXX_COMPILER={compiler}")
+        run(cmake, "-S", project, "-B", own_build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
+            f"-DCMAKE_CXX_COMPILER={compiler}")
         run(cmake, "--build", own_build)
         output = run(own_build / "loadstranger", own_build, prefix / "lib/tx", cwd=abroad)
         assert output == EXPECTED, f"found:\n{output}\nexpected:\n{EXPECTED}"
