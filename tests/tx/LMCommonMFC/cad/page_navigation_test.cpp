@@ -22,10 +22,11 @@ protected:
         m_cad.CongelaLayer(name);
         recorder.taken();
         recorder.armed = [this, &recorder, name] {
-            if (!isFrozen(name)) {
-                recorder.armed = nullptr;
-                m_cad.RenomearLayer(name, "RENAMED");
-            }
+            if (isFrozen(name)) return;
+            CICad& cad = m_cad;
+            const char* const page = name;
+            recorder.armed = nullptr; // what was captured goes with it
+            cad.RenomearLayer(page, "RENAMED");
         };
     }
 };

@@ -69,8 +69,7 @@ private:
         if (const auto* named = OdDbSymbolTableRecord::cast(&object))
             line += " " + plain(CHostString(named->getName()));
         m_events.push_back(line);
-        const std::function<void()> deed = armed; // which may disarm
-        if (deed) deed();
+        if (armed) armed();
     }
     OdDbDatabase& m_database;
     Texts m_events;
