@@ -2,6 +2,7 @@
 // References that show their block in columns and rows, widths and thicknesses under a scale, and multi-line
 // attributes: what a transform makes of them.
 #include "clone_support.h"
+#include "entry_numbers.h"
 
 #include "drawing/attributeplace.h"
 
@@ -13,19 +14,6 @@ using std::numbers::pi;
 namespace {
 
 using Pieces = OdArray<OdSmartPtr<OdDbEntity>>;
-
-/// The values of a code in an entry, rounded to six digits, with a blank behind each.
-std::string numbers(const std::string& entry, int code) {
-    std::string out;
-    for (const auto& [c, value] : dxf::split(entry))
-        if (c == code) {
-            char text[32];
-            std::snprintf(text, sizeof text, "%g ",
-                          std::round(std::strtod(value.c_str(), nullptr) * 1e6) / 1e6 + 0.0);
-            out += text;
-        }
-    return out;
-}
 
 std::string boxOf(const OdDbEntity& entity) {
     OdGeExtents3d box;

@@ -2,6 +2,7 @@
 // Moving entities of kinds that aren't read beyond the simple ones: dimensions with their pictures, leaders
 // with text, tables, pictures, helices; and the boxes of unread entities.
 #include "clone_support.h"
+#include "entry_numbers.h"
 
 #include <numbers>
 
@@ -10,18 +11,8 @@ using std::numbers::pi;
 
 namespace {
 
-/// The values of a code in an entry, rounded to six digits, with a blank behind each.
-std::string numbers(const std::string& entry, int code) {
-    std::string out;
-    for (const auto& [c, value] : dxf::split(entry))
-        if (c == code) {
-            char text[32];
-            std::snprintf(text, sizeof text, "%g ",
-                          std::round(std::strtod(value.c_str(), nullptr) * 1e6) / 1e6 + 0.0);
-            out += text;
-        }
-    return out;
-}
+using drawing_test::numbers;
+
 std::string numbers(const std::string& entry, std::initializer_list<int> codes) {
     std::string out;
     for (const int code : codes) out += numbers(entry, code);
