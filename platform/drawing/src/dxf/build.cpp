@@ -324,20 +324,29 @@ private:
         return name;
     }
 
-    Node* findRecord(const ScannedBlock& block, const OdString& name) {
-        Node* const table = m_data.fixed.blockTable;
-        if (block.named) {
-            if (Node* const exact = m_data.tableRecord(table, name)) return exact;
-            for (Node* record = table->firstPart; isLayoutName(name.view()) && record != nullptr;
-                 record = record->next) {
-                auto* body = static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(record));
-                if (system::equalsNoCase(body->getName().view(), name.view())) return record;
-            }
-        }
+    const OdString& nameOf(Node& record) {
+        return static_cast<OdDbSymbolTableRecord*>(m_data.bodyOf(&record))->getName();
+    }
+
+    /// The record that a block names as its owner.
+    Node* ownerRecord(const ScannedBlock& block) {
         Node* const owner = block.owner != 0 ? m_data.handles.find(block.owner) : nullptr;
         return owner != nullptr && owner->kind == kKindBlockRecord && owner->has(Node::kTableRecord)
                    ? owner
                    : nullptr;
+    }
+
+    Node* findRecord(const ScannedBlock& block, const OdString& name) {
+        Node* const table = m_data.fixed.blockTable;
+        Node* const owner = ownerRecord(block);
+        if (!block.named) return owner;
+        // Of several blocks under one name each has its own record.
+        if (owner != nullptr && system::equalsNoCase(nameOf(*owner).view(), name.view())) return owner;
+        if (Node* const exact = m_data.tableRecord(table, name)) return exact;
+        for (Node* record = table->firstPart; isLayoutName(name.view()) && record != nullptr;
+             record = record->next)
+            if (system::equalsNoCase(nameOf(*record).view(), name.view())) return record;
+        return owner;
     }
 
     Node* makeRecord(const ScannedBlock& block, const OdString& name) {
@@ -362,13 +371,19 @@ private:
         m_data.frames.reserve(m_scanned.blocks.size());
         for (const ScannedBlock& block : m_scanned.blocks) {
             const OdString name = blockName(block);
-            if (!block.named || stripped(block.name).empty()) {
+            const bool named = block.named && !stripped(block.name).empty();
+            if (!named) {
                 block.begin->flags |= Node::kDirty; // gets its record's name when it is written
                 report(Defect::kMissingName, *block.begin, "named " + utf8(name));
             }
             Node* record = findRecord(block, name);
             if (record == nullptr || record->firstPart != nullptr || record->has(Node::kFramed))
                 record = makeRecord(block, name);
+            if (named && !system::equalsNoCase(nameOf(*record).view(), name.view())) {
+                block.begin->flags |= Node::kDirty; // else it is found by that name as soon as one has it
+                report(Defect::kMissingName, *block.begin,
+                       "\"" + utf8(name) + "\" is nobody's, named " + utf8(nameOf(*record)));
+            }
             m_data.frames.push_back({record, block.begin, block.end});
             record->flags |= Node::kFramed;
             readFieldsFrom(m_data, *block.begin, *m_data.bodyOf(record), blockSpec());

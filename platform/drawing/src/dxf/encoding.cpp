@@ -111,16 +111,19 @@ bool hasByte(std::uint64_t word, unsigned char byte) {
     return ((x - kOnes) & ~x & kHigh) != 0;
 }
 
-/// Whether every byte is ASCII and none begins an escape, so that units are the bytes.
+/// Whether every byte is ASCII but 0 and none begins an escape, so that units are the bytes.
 bool isPlain(std::string_view bytes) {
     std::size_t i = 0;
     for (; i + 8 <= bytes.size(); i += 8) {
         std::uint64_t word;
         std::memcpy(&word, bytes.data() + i, 8);
-        if ((word & kHigh) != 0 || hasByte(word, '\\') || hasByte(word, '^')) return false;
+        if ((word & kHigh) != 0 || hasByte(word, '\\') || hasByte(word, '^') || hasByte(word, 0))
+            return false;
     }
     for (; i < bytes.size(); ++i)
-        if (static_cast<unsigned char>(bytes[i]) >= 0x80 || bytes[i] == '\\' || bytes[i] == '^') return false;
+        if (static_cast<unsigned char>(bytes[i]) >= 0x80 || bytes[i] == '\\' || bytes[i] == '^' ||
+            bytes[i] == 0)
+            return false;
     return true;
 }
 
@@ -282,6 +285,7 @@ OdString TextDecoder::decode(std::string_view bytes, bool& bad) const {
         from = at;
     }
     flush(bytes.size());
+    std::erase(out, WideChar{0}); // would end the text everywhere else, and can't be written
     return OdString(WideView(out));
 }
 

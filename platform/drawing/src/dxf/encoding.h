@@ -28,7 +28,7 @@ public:
     static TextDecoder forCodePage(std::string_view name);
 
     /// The text of a value: code page, escapes and caret forms undone. Bytes that the code page doesn't know
-    /// become the units of their own numbers, and `bad` is set.
+    /// become the units of their own numbers, and `bad` is set. Bytes 0 are left out.
     OdString decode(std::string_view bytes, bool& bad) const;
     /// Decoded text of many equal values: tags, names. The same bytes give the same buffer.
     OdString decodeShared(std::string_view bytes, bool& bad) const;

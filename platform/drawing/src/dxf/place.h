@@ -46,6 +46,8 @@ public:
         }
         return !m_xrecord && !m_braces && !m_embedded;
     }
+    /// Whether a group of this code that came next would be a field.
+    bool takesField(int code) const { return PlaceInEntry(*this).isField(Group{code, nullptr, 0}); }
     bool isEmbedded() const { return m_embedded; }
     bool isXrecord() const { return m_xrecord; }
 

@@ -341,6 +341,7 @@ private:
         const int handleCode = kind == kKindDimstyle ? 105 : 5;
         bool braces = false;
         bool subclass = false;
+        bool xdata = false;
         for (;;) {
             advance();
             if (atEnd()) {
@@ -348,7 +349,8 @@ private:
             }
             const int code = m_group.code;
             if (code == 0) return;
-            if (code >= kFirstXData) continue;
+            xdata = xdata || code >= kFirstXData; // behind it there are no fields
+            if (xdata) continue;
             if (code == handleCode && !head.hasHandle && !subclass) {
                 head.handle = m_group.raw();
                 head.hasHandle = true;
@@ -359,7 +361,7 @@ private:
                 if (!head.hasName && !braces) head.name = m_group.raw(), head.hasName = true;
                 break;
             case 8:
-                if (!head.hasLayer) head.layer = m_group.raw(), head.hasLayer = true;
+                if (!head.hasLayer && !braces) head.layer = m_group.raw(), head.hasLayer = true;
                 break;
             case 67: {
                 bool bad = false;

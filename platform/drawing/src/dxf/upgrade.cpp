@@ -61,10 +61,12 @@ private:
             std::any_of(m_groups.begin(), m_groups.end(), [](const OutGroup& g) { return g.code == kMark; });
         bool listed = false, hasHandle = false, hasOwner = false, behindMark = false;
         OutGroups lists, comments, xdata;
+        std::size_t lastList = 0;
         OutGroup handle = OutGroup::handle(handleCode, m_node.handle);
         for (OutGroup& group : m_groups) {
             behindMark = behindMark || group.code == kMark;
-            if (group.code >= kFirstXData) {
+            // Behind extended data there are no fields, whatever the codes are.
+            if (group.code >= kFirstXData || !xdata.empty()) {
                 xdata.push_back(std::move(group));
             } else if (group.code == kComment) {
                 comments.push_back(std::move(group));
@@ -74,6 +76,7 @@ private:
                 hasHandle = true;
                 if (handleOf(group) == m_node.handle) handle = std::move(group);
             } else if (listed || (group.code == kList && opensList(group))) {
+                if (!listed) lastList = lists.size();
                 listed = group.code != kList || opensList(group);
                 lists.push_back(std::move(group));
             } else if (group.code == kOwner && !hasOwner) {
@@ -84,6 +87,11 @@ private:
             }
         }
         m_head.push_back(std::move(handle));
+        if (listed) { // what nobody closed would take in all that follows
+            const auto open = lists.begin() + static_cast<std::ptrdiff_t>(lastList);
+            m_tail.assign(std::make_move_iterator(open), std::make_move_iterator(lists.end()));
+            lists.erase(open, lists.end());
+        }
         move(lists, m_head);
         move(comments, m_tail);
         move(xdata, m_tail);

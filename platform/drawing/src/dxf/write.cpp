@@ -142,7 +142,7 @@ void DrawingWriter::visit(Node& node) {
     const char* const end = begin + node.length;
     const bool unwanted = node.kind == kKindSeqend && node.owner != nullptr &&
                           m_plan.attributesChanged.count(node.owner) != 0 && !hasLiveAttributes(*node.owner);
-    if (!m_plan.isLive(node) || unwanted) return drop(typeStart(node), end);
+    if (!m_plan.isLive(node) || unwanted || m_gathered.count(&node) != 0) return drop(typeStart(node), end);
     if (m_old || m_plan.isEdited(node)) {
         copyTo(begin);
         m_writing = &node;

@@ -16,10 +16,11 @@ enum class Rank : unsigned char {
     kHeader,
     kPart,       ///< attributes of the reference in front
     kPartsEnd,   ///< the SEQEND behind them
-    kEntry,      ///< entities of a block, records of a table, objects
+    kEntry,      ///< entities of a block, records of a table
     kBlockEnd,   ///< an end that a block lacked
     kTableEnd,   ///< an end that a table lacked
     kTable,      ///< a table in front of the next, or at the end
+    kTail,       ///< what stands at the end of a section, behind all that the source has open there
     kSectionEnd, ///< an end that a section lacked
     kSection,    ///< a section in front of the next, or at the end
     kFileEnd
@@ -63,7 +64,14 @@ private:
     // write_changes.cpp: what comes in where
     void planChanges();
     void planHeader();
+    /// A table of the source: which one of the order, and where it begins.
+    struct SeenTable {
+        std::size_t order;
+        std::uint64_t offset;
+    };
+    std::vector<SeenTable> closeTables();
     void planTables();
+    std::string_view nameOfTable(const Node& head) const;
     bool planTableOf(std::string_view name);
     void planBlocks();
     void planEntries();
@@ -120,6 +128,8 @@ private:
     const char* m_high = nullptr;    ///< the first byte from 0x80 on from m_pos, or behind it
     std::vector<Change> m_changes;
     std::size_t m_next = 0;
+    std::unordered_set<const Node*>
+        m_gathered; ///< records of the source that are written in a table elsewhere
     std::unordered_map<const Node*, std::uint64_t> m_anchors;
     std::unordered_map<const Node*, std::uint64_t> m_blockEnds; ///< of blocks without an end in the file
 

@@ -60,6 +60,23 @@ void walk(const Source& source, const char* from, const char* to, F&& visit) {
         each(TextCursor(source, from, to));
 }
 
+/// Finds the sections that entries stand in, which are taken in the order of the source.
+class SectionWalk {
+public:
+    explicit SectionWalk(const std::vector<Section>& sections)
+        : m_at(sections.data()), m_end(m_at + sections.size()) {}
+    /// The groups of an entry begin behind its type, so those of the last one may begin where the section
+    /// ends.
+    const Section* of(const Node& node) {
+        while (m_at != m_end && m_at->offset + m_at->length < node.offset) ++m_at;
+        return m_at != m_end && m_at->offset < node.offset ? m_at : nullptr;
+    }
+
+private:
+    const Section* m_at;
+    const Section* m_end;
+};
+
 } // namespace
 
 /// Whether the next group, comments passed over, is this one.
@@ -115,49 +132,64 @@ void DrawingWriter::planHeader() {
             m_out.put(headerValue("ACADVER"));
         });
     }
-    addChange(endOf(*header), Rank::kEntry, [this] { writeTail("HEADER"); });
+    addChange(endOf(*header), Rank::kTail, [this] { writeTail("HEADER"); });
 }
 
 // --- tables
 // -------------------------------------------------------------------------------------------------------------
 
-void DrawingWriter::planTables() {
-    const Section* const tables = section("TABLES");
-    if (tables == nullptr) return;
-    struct Seen {
-        std::size_t order;
-        std::uint64_t offset;
-    };
-    std::vector<Seen> seen;
-    const Node* open = nullptr; // a table whose end wasn't met yet
-    const char* last = nullptr; // the end of the last entry
+/// The first name that isn't in braces, as the reader has it.
+std::string_view DrawingWriter::nameOfTable(const Node& head) const {
+    constexpr int kName = 2, kBraces = 102, kFirstXData = 1000;
+    std::string_view name;
+    bool braces = false;
+    walk(*m_source, at(head.offset), at(endOf(head)), [&](const Group& group, const char*) {
+        if (group.code == kBraces) braces = stripped(group.raw()).substr(0, 1) == "{";
+        const bool found = group.code == kName && !braces;
+        if (found) name = stripped(group.raw());
+        return !found && group.code < kFirstXData;
+    });
+    return name;
+}
+
+/// Gives the tables of the source their ends where they lack them, and lists them.
+std::vector<DrawingWriter::SeenTable> DrawingWriter::closeTables() {
+    std::vector<SeenTable> seen;
+    SectionWalk walker(m_data.sections);
+    const Section* current = nullptr; // the section of the last entry
+    const Node* open = nullptr;       // a table whose end wasn't met yet
+    const char* last = nullptr;       // the end of the last entry
     const auto close = [&](const char* next) {
         if (open != nullptr && !hasType(last, next, "ENDTAB"))
             addChange(offsetOf(last), Rank::kTableEnd, [this] { m_out.put(0, "ENDTAB"); });
         open = nullptr;
     };
     m_data.nodes.forEach([&](Node& node) {
-        if (node.offset < tables->offset || node.offset >= endOf(*tables) || node.offset == 0) return;
+        const Section* const section = node.offset != 0 ? walker.of(node) : nullptr;
+        if (section == nullptr || section->name != "TABLES") return;
+        if (section != current && open != nullptr) close(at(endOf(*current)));
+        current = section;
         const char* const start = typeStart(node);
         const bool head = node.kind == kKindTable && !node.has(Node::kTableRecord);
         if (head || (open != nullptr && last != start && hasType(last, start, "ENDTAB"))) close(start);
         if (head) {
             open = &node;
-            std::string_view name;
-            walk(*m_source, at(node.offset), at(endOf(node)), [&name](const Group& group, const char*) {
-                if (group.code == 2) name = stripped(group.raw());
-                return name.empty();
-            });
-            seen.push_back({orderOf(name), offsetOf(start)});
+            seen.push_back({orderOf(nameOfTable(node)), offsetOf(start)});
         }
         last = at(endOf(node));
     });
-    const char* const end = at(endOf(*tables));
-    if (last != nullptr) close(end);
+    if (open != nullptr) close(at(endOf(*current)));
+    return seen;
+}
+
+void DrawingWriter::planTables() {
+    const Section* const tables = section("TABLES");
+    if (tables == nullptr) return;
+    const std::vector<SeenTable> seen = closeTables();
     for (std::size_t order = 0; order < std::size(kTableOrder); ++order) {
-        const auto isSame = [order](const Seen& table) { return table.order == order; };
+        const auto isSame = [order](const SeenTable& table) { return table.order == order; };
         if (std::any_of(seen.begin(), seen.end(), isSame) || planTableOf(kTableOrder[order])) continue;
-        const auto later = std::find_if(seen.begin(), seen.end(), [order](const Seen& table) {
+        const auto later = std::find_if(seen.begin(), seen.end(), [order](const SeenTable& table) {
             return table.order > order && table.order < std::size(kTableOrder);
         });
         addChange(later != seen.end() ? later->offset : endOf(*tables), Rank::kTable,
@@ -165,19 +197,19 @@ void DrawingWriter::planTables() {
     }
 }
 
-/// A table whose records stand in the source without it gets its head in front of them and its end behind
-/// them.
+/// Records that stand in the source without their table go into one where the first of them stands: there may
+/// be other tables between them, or ends of tables.
 bool DrawingWriter::planTableOf(std::string_view name) {
     Node* const table = newTable(name);
-    Node* first = table != nullptr ? table->firstPart : nullptr;
-    while (first != nullptr && first->offset == 0) first = first->next;
+    Node* first = nullptr;
+    for (Node* record = table != nullptr ? table->firstPart : nullptr; record != nullptr;
+         record = record->next) {
+        if (record->offset == 0) continue;
+        m_gathered.insert(record);
+        if (first == nullptr || record->offset < first->offset) first = record;
+    }
     if (first == nullptr) return false;
-    addChange(offsetOf(typeStart(*first)), Rank::kTable, [this, table] {
-        m_out.put(0, "TABLE");
-        m_out.put(m_maker.make(*table));
-    });
-    const std::uint64_t end = anchorOfRecord(*table);
-    if (!groupIs(at(end), 0, "ENDTAB")) addChange(end, Rank::kTableEnd, [this] { m_out.put(0, "ENDTAB"); });
+    addChange(offsetOf(typeStart(*first)), Rank::kTable, [this, name] { writeTable(name); });
     return true;
 }
 
@@ -195,12 +227,12 @@ std::uint64_t DrawingWriter::anchorOfRecord(const Node& table) {
 
 /// Ends that blocks lack, and where these blocks end.
 void DrawingWriter::planBlocks() {
-    const Section* const blocks = section("BLOCKS");
-    if (blocks == nullptr) return;
     std::unordered_map<const Node*, Node*> without; // record by BLOCK
     for (const BlockFrame& frame : m_data.frames)
         if (frame.end == nullptr && frame.begin->offset != 0) without.emplace(frame.begin, frame.record);
     if (without.empty()) return;
+    SectionWalk walker(m_data.sections);
+    const Section* current = nullptr; // the section of the open block
     Node* open = nullptr;
     std::uint64_t last = 0;
     const auto close = [&] {
@@ -215,11 +247,12 @@ void DrawingWriter::planBlocks() {
         open = nullptr;
     };
     m_data.nodes.forEach([&](Node& node) {
-        if (node.offset < blocks->offset || node.offset >= endOf(*blocks) || node.offset == 0) return;
-        if (node.kind == kKindBlock) {
-            close();
-            const auto found = without.find(&node);
-            if (found != without.end()) open = found->second;
+        if (node.offset == 0) return;
+        const Section* const section = walker.of(node);
+        if (node.kind == kKindBlock || section != current) close();
+        if (const auto found = without.find(&node); found != without.end()) {
+            open = found->second;
+            current = section;
         }
         last = endOf(node);
     });
@@ -257,8 +290,8 @@ void DrawingWriter::planEntries() {
         Node* const owner = node->owner;
         if (owner == nullptr) continue;
         if (node->has(Node::kTableRecord)) {
-            if (const std::uint64_t anchor = anchorOfRecord(*owner))
-                addChange(anchor, Rank::kEntry, [this, node] { writeNode(*node); });
+            if (owner->offset != 0)
+                addChange(anchorOfRecord(*owner), Rank::kEntry, [this, node] { writeNode(*node); });
             continue;
         }
         if (!node->has(Node::kEntity) || node->kind == kKindSeqend) continue;
@@ -299,7 +332,7 @@ void DrawingWriter::planSections() {
     for (const Section& section : m_data.sections) {
         if (section.name != "HEADER" && section.name != "TABLES" && this->section(section.name) == &section &&
             hasTail(section.name))
-            addChange(endOf(section), Rank::kEntry, [this, &section] { writeTail(section.name); });
+            addChange(endOf(section), Rank::kTail, [this, &section] { writeTail(section.name); });
         if (!groupIs(at(endOf(section)), 0, "ENDSEC"))
             addChange(endOf(section), Rank::kSectionEnd, [this] { m_out.put(0, "ENDSEC"); });
     }

@@ -38,6 +38,22 @@ std::size_t findInHead(const OutGroups& groups, int code) {
     return groups.size();
 }
 
+/// The group by which a block or a table is known: the first one that isn't in braces.
+std::size_t findName(const OutGroups& groups) {
+    constexpr int kName = 2;
+    bool braces = false;
+    for (std::size_t i = 0; i < groups.size() && groups[i].code < kFirstXData; ++i) {
+        if (groups[i].code == kBraces) braces = stripped(groups[i].raw()).substr(0, 1) == "{";
+        if (groups[i].code == kName && !braces) return i;
+    }
+    return groups.size();
+}
+
+/// Entries of this type may also stand where no records do.
+bool isBlockRecord(const Node& node) {
+    return node.kind == kKindBlockRecord && node.has(Node::kTableRecord);
+}
+
 std::span<const LayoutItem> layoutFor(const Node& node) {
     const std::span<const LayoutItem> own = layoutOf(node.kind);
     if (!own.empty()) return own;
@@ -89,7 +105,8 @@ void EntryMaker::edit(OutGroups& groups, Node& node, bool isCopy) {
         editFollow(groups, node);
     if (node.kind == kKindTable && m_plan.recordsChanged.count(&node) != 0)
         setField(groups, layoutOf(kKindTable), OutGroup::integer(kCount, liveRecords(node)));
-    if (node.kind == kKindBlock && node.owner != nullptr) editBlock(groups, node);
+    if (node.kind == kKindBlock && node.owner != nullptr && isBlockRecord(*node.owner))
+        editBlock(groups, node);
     if (node.kind == kKindDictionary || node.kind == kKindDictionaryWithDefault)
         editEntries(groups, m_data, OdDbDictionary::cast(node.body), isCopy);
     editXDataOf(groups, node, isCopy);
@@ -111,8 +128,10 @@ void EntryMaker::editHandle(OutGroups& groups, const Node& node) {
 void EntryMaker::editOwner(OutGroups& groups, const Node& node, bool isCopy) {
     const std::size_t found = findInHead(groups, kOwner);
     const std::uint64_t owner = node.owner != nullptr ? node.owner->handle : 0;
+    // Of several blocks under one name only the owner tells which record is whose.
+    const bool ofNewRecord = node.kind == kKindBlock && node.owner != nullptr && node.owner->offset == 0;
     if (found == groups.size()) {
-        if (!isCopy) return;
+        if (!isCopy && !ofNewRecord) return;
         std::size_t place = endOfHead(groups);
         while (place > 0 && groups[place - 1].code == kComment) --place;
         groups.insert(at(groups, place), OutGroup::handle(kOwner, owner));
@@ -121,7 +140,7 @@ void EntryMaker::editOwner(OutGroups& groups, const Node& node, bool isCopy) {
     const std::uint64_t named = handleOf(groups[found]);
     if (named == owner) return;
     const Node* const there = named != 0 ? m_data.handles.find(named) : nullptr;
-    if (isCopy || (owner != 0 && (there == nullptr || !there->isLive())))
+    if (isCopy || ofNewRecord || (owner != 0 && (there == nullptr || !there->isLive())))
         groups[found] = OutGroup::handle(kOwner, owner);
 }
 
@@ -218,9 +237,12 @@ void EntryMaker::editBlock(OutGroups& groups, Node& node) {
     Node& record = *node.owner;
     const std::span<const LayoutItem> layout = layoutOf(kKindBlock);
     const auto& body = static_cast<const OdDbBlockTableRecord&>(*m_data.bodyOf(&record));
-    const std::size_t name = findField(groups, kName);
+    const std::size_t name = findName(groups);
     if (name == groups.size() || textOf(groups[name]) != body.getName()) {
-        setField(groups, layout, OutGroup::text(kName, body.getName()));
+        if (name == groups.size())
+            setField(groups, layout, OutGroup::text(kName, body.getName()));
+        else
+            groups[name] = OutGroup::text(kName, body.getName());
         setField(groups, layout, OutGroup::text(kNameAgain, body.getName()));
     }
     const double origin[] = {body.origin().x, body.origin().y, body.origin().z};
@@ -329,10 +351,10 @@ void EntryMaker::addEmbeddedText(OutGroups& groups, const Node& node) {
 }
 
 bool EntryMaker::standsInPaper(const Node& node) {
-    const Node* owner = node.kind == kKindBlockRecord ? &node : node.owner;
+    const Node* owner = isBlockRecord(node) ? &node : node.owner;
     if (owner == m_lastOwner) return m_lastPaper;
     m_lastOwner = owner;
-    while (owner != nullptr && owner->kind != kKindBlockRecord) owner = owner->owner;
+    while (owner != nullptr && !isBlockRecord(*owner)) owner = owner->owner;
     m_lastPaper = false;
     if (owner == nullptr || owner == m_data.fixed.modelSpace) return false;
     const auto& body = static_cast<const OdDbBlockTableRecord&>(*m_data.bodyOf(const_cast<Node*>(owner)));

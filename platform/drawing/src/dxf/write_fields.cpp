@@ -195,7 +195,21 @@ std::size_t findMark(const OutGroups& groups, std::span<const LayoutItem> layout
 
 } // namespace
 
-std::size_t placeFor(const OutGroups& groups, std::span<const LayoutItem> layout, int code) {
+namespace {
+
+/// A place from which a group is read: `at`, or the next one in front of it. Marks may stand inside braces
+/// that nobody closed, and behind the mark of an xrecord there are no fields.
+std::size_t readPlace(const OutGroups& groups, std::size_t at, int code) {
+    std::size_t place = 0;
+    PlaceInEntry where;
+    for (std::size_t i = 0; i < at; ++i) {
+        where.isField(groupOf(groups[i]));
+        if (where.takesField(code)) place = i + 1;
+    }
+    return place;
+}
+
+std::size_t layoutPlace(const OutGroups& groups, std::span<const LayoutItem> layout, int code) {
     std::size_t item = 0;
     while (item < layout.size() && layout[item].code != code) ++item;
     if (item == layout.size()) return endOfFields(groups);
@@ -206,6 +220,12 @@ std::size_t placeFor(const OutGroups& groups, std::span<const LayoutItem> layout
     }
     // A text that is embedded has no marks, and a file of R12 none either.
     return layout.front().what == LayoutItem::kHandle ? endOfFields(groups) : 0;
+}
+
+} // namespace
+
+std::size_t placeFor(const OutGroups& groups, std::span<const LayoutItem> layout, int code) {
+    return readPlace(groups, layoutPlace(groups, layout, code), code);
 }
 
 void setField(OutGroups& groups, std::span<const LayoutItem> layout, OutGroup group) {

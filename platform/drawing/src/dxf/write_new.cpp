@@ -64,7 +64,10 @@ OutGroups DrawingWriter::headerValue(std::string_view name) const {
         return {OutGroup::text(code, odText(value))};
     };
     if (name == "ACADVER") return text(1, versionText(m_options.version));
-    if (name == "DWGCODEPAGE") return text(3, m_codePage);
+    if (name == "DWGCODEPAGE") {
+        if (!old.isNull() && m_codePage == m_data.codePage) return {}; // whatever its bytes are
+        return text(3, m_codePage);
+    }
     if (name == "HANDSEED") {
         bool bad = false;
         const std::uint64_t seed = const_cast<DrawingWriter*>(this)->m_plan.handles.seed();
@@ -126,7 +129,7 @@ void DrawingWriter::writeTable(std::string_view name) {
         m_out.put(0, "TABLE");
         m_out.put(m_maker.make(*table));
         for (Node* record = table->firstPart; record != nullptr; record = record->next)
-            if (record->offset == 0 && m_plan.isLive(*record)) writeNode(*record);
+            if (m_plan.isLive(*record)) writeNode(*record);
         for (const OutEntry& entry : m_skeleton.records(*table)) m_out.put(entry);
         m_out.put(0, "ENDTAB");
         return;
