@@ -5,6 +5,7 @@
 #include "host/hoststring.h"
 #include "selectiongeometry.h"
 
+#include "drawing/nearparts.h"
 #include "drawing/partwalk.h"
 
 #include <algorithm>
@@ -41,14 +42,33 @@ private:
     bool m_isImpossible = false;
 };
 
+using Ids = std::vector<OdDbObjectId>;
+
+bool isFull(const Ids& chosen, int limit) {
+    return limit >= 0 && chosen.size() >= static_cast<std::size_t>(limit);
+}
+
 template<class Test>
-std::vector<OdDbObjectId> choose(OdDbObjectId space, const hst_resbufW* chain, int limit, Test test) {
-    std::vector<OdDbObjectId> chosen;
+Ids choose(OdDbObjectId space, const hst_resbufW* chain, int limit, Test test) {
+    Ids chosen;
     const Filter filter(chain);
-    for (lm::drawing::PartWalk walk(space); !walk.done(); walk.next()) {
-        if (limit >= 0 && chosen.size() >= static_cast<std::size_t>(limit)) break;
+    for (lm::drawing::PartWalk walk(space); !walk.done() && !isFull(chosen, limit); walk.next()) {
         const OdDbEntity& entity = *walk.entity();
         if (filter.fits(entity) && test(entity)) chosen.push_back(walk.id());
+    }
+    return chosen;
+}
+
+/// The same among the entities that may touch a box, which the database knows without a walk.
+template<class Test>
+Ids chooseNear(const lm::host::Box& box, OdDbObjectId space, const hst_resbufW* chain, int limit, Test test) {
+    std::vector<const OdDbEntity*> near;
+    if (!lm::drawing::partsNear(space, box.bounds(), near)) return choose(space, chain, limit, test);
+    Ids chosen;
+    const Filter filter(chain);
+    for (const OdDbEntity* const entity : near) {
+        if (isFull(chosen, limit)) break;
+        if (filter.fits(*entity) && test(*entity)) chosen.push_back(entity->objectId());
     }
     return chosen;
 }
@@ -76,15 +96,15 @@ int CHostSelectionSet::take(std::vector<OdDbObjectId> chosen) {
 int CHostSelectionSet::crossing(const OdGePoint3d& first, const OdGePoint3d& second, const CHostView*,
                                 const hst_resbufW* filter, int limit) {
     const lm::host::Box box(first, second);
-    return take(
-        choose(m_space, filter, limit, [&box](const OdDbEntity& entity) { return box.touches(entity); }));
+    return take(chooseNear(box, m_space, filter, limit,
+                           [&box](const OdDbEntity& entity) { return box.touches(entity); }));
 }
 
 int CHostSelectionSet::window(const OdGePoint3d& first, const OdGePoint3d& second, const CHostView*,
                               const hst_resbufW* filter, int limit) {
     const lm::host::Box box(first, second);
-    return take(
-        choose(m_space, filter, limit, [&box](const OdDbEntity& entity) { return box.holds(entity); }));
+    return take(chooseNear(box, m_space, filter, limit,
+                           [&box](const OdDbEntity& entity) { return box.holds(entity); }));
 }
 
 int CHostSelectionSet::all(const hst_resbufW* filter, int limit) {

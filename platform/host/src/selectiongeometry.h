@@ -3,6 +3,7 @@
 #pragma once
 
 #include "drawing/entity.h"
+#include "drawing/nearparts.h"
 
 namespace lm::host {
 
@@ -11,6 +12,9 @@ class Box {
 public:
     /// From two corners in any order.
     Box(const OdGePoint3d& first, const OdGePoint3d& second);
+
+    /// The box with the bit of room that touching has.
+    lm::drawing::PlaneBox bounds() const { return {m_minX, m_minY, m_maxX, m_maxY}; }
 
     /// Whether the entity touches or crosses the box: lines, polylines, circles and arcs by their shape as it
     /// is seen along z, other entities by their extents. False for an entity without known extents.

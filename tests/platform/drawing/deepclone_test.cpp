@@ -3,6 +3,8 @@
 // clones.
 #include "clone_support.h"
 
+#include "drawing/deepclone.h"
+
 #include <chrono>
 
 using namespace drawing_test;
@@ -389,6 +391,47 @@ TEST_F(DeepCloneTest, TellsReactorsAtTheEndWhenReferencesPointToTheClones) {
     EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT", "appended LINE"}));
     EXPECT_EQ(seen, "1001 TVO|1005 " + handleText(cloneIn(mapping, b)));
     EXPECT_EQ(there, 3u);
+}
+
+TEST_F(DeepCloneTest, TellsOfClonesAsTheyWereChangedAtOnce) {
+    const OdDbObjectId source = placeSymbol(*db, addBlock(*db, "S"), {"A=1"});
+    db->setUndoRecording(true);
+    db->startUndoRecord();
+    CloneRecorder recorder;
+    double seen = 0;
+    recorder.onAppended = [&](const OdDbObject* object) {
+        if (const auto* reference = OdDbBlockReference::cast(object)) seen = reference->position().x;
+    };
+    db->addReactor(&recorder);
+    lm::drawing::deepCloneChanged(*db, Ids{source}, space, mapping, [&] {
+        EXPECT_TRUE(recorder.calls.empty()) << "nobody was told yet";
+        EXPECT_EQ(mapping.pairs().size(), 2u);
+        const auto copy = open<OdDbBlockReference>(cloneIn(mapping, source), OdDb::kForWrite);
+        copy->transformBy(OdGeMatrix3d::translation({100, 0, 0}));
+    });
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT"})) << "and once";
+    EXPECT_EQ(seen, open<OdDbBlockReference>(source)->position().x + 100);
+    const OdDbObjectId copy = cloneIn(mapping, source);
+    ASSERT_TRUE(db->undo());
+    EXPECT_FALSE(copy.isValid());
+    ASSERT_TRUE(db->redo());
+    EXPECT_EQ(open<OdDbBlockReference>(copy)->position().x, seen);
+    db->removeReactor(&recorder);
+}
+
+TEST_F(DeepCloneTest, TellsOfClonesWhoseChangeRaised) {
+    const OdDbObjectId a = lineIn(*db), b = lineIn(*db);
+    CloneRecorder recorder;
+    recorder.onAppended = [](const OdDbObject*) { throw OdError(eInvalidInput); };
+    db->addReactor(&recorder);
+    EXPECT_EQ(codeOf([&] {
+                  lm::drawing::deepCloneChanged(*db, Ids{a, b}, space, mapping,
+                                                [] { throw OdError(eNotApplicable); });
+              }),
+              eNotApplicable)
+        << "the first exception passes";
+    EXPECT_EQ(recorder.take().size(), 2u);
+    for (const OdDbObjectId id : {a, b}) EXPECT_FALSE(cloneIn(mapping, id).openObject()->isWriteEnabled());
 }
 
 TEST_F(DeepCloneTest, TellsOfABlockBehindItsEntities) {

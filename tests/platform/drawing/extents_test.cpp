@@ -3,6 +3,8 @@
 #include "clone_support.h"
 
 #include <chrono>
+#include <ctime>
+#include <limits>
 #include <numbers>
 
 using namespace drawing_test;
@@ -265,4 +267,20 @@ TEST_F(ReferenceExtentsTest, CostNoMoreThanTheBlocks) {
     EXPECT_EQ(boxOf(*to(below)), "20000 0 0 20001 0 0");
     const auto took = std::chrono::steady_clock::now() - start;
     EXPECT_LT(std::chrono::duration_cast<std::chrono::milliseconds>(took).count(), 5000);
+}
+
+// What is remembered of a block is found again under a transform that isn't equal to itself.
+TEST_F(ReferenceExtentsTest, CostNoMoreThanTheBlocksWhereTheTransformHoldsNoNumbers) {
+    OdDbObjectId below = block;
+    put(block, line({0, 0, 0}, {1, 0, 0}));
+    for (int i = 1; i <= 40; ++i) {
+        const OdDbObjectId next = addBlock(*db, "L" + std::to_string(i));
+        put(next, to(below));
+        put(next, to(below));
+        below = next;
+    }
+    const std::clock_t start = std::clock();
+    boxOf(*to(below, {}, std::numeric_limits<double>::quiet_NaN()));
+    boxOf(*to(below, {std::numeric_limits<double>::infinity(), 0, 0}));
+    EXPECT_LT(double(std::clock() - start) / CLOCKS_PER_SEC, 1);
 }

@@ -2,6 +2,8 @@
 // What reactors are told, when, and in which order.
 #include "drawing_support.h"
 
+#include "drawing/telling.h"
+
 #include <functional>
 
 using namespace drawing_test;
@@ -59,6 +61,26 @@ struct ReactorTest : testing::Test {
 };
 
 } // namespace
+
+TEST_F(ReactorTest, IsToldWhileTheDatabaseSaysThatItTells) {
+    using lm::drawing::isTelling;
+    const auto other = newDatabase();
+    EXPECT_FALSE(isTelling(*db));
+    int calls = 0;
+    recorder.also = [&](const std::string& word, const OdDbObject*) {
+        EXPECT_TRUE(isTelling(*db));
+        EXPECT_FALSE(isTelling(*other));
+        if (++calls != 1) return;
+        line(); // one telling inside another
+        EXPECT_TRUE(isTelling(*db)) << word;
+        throw OdError(eInvalidInput);
+    };
+    const auto outer = make<OdDbLine>();
+    append(*db, outer);
+    EXPECT_THROW(outer->downgradeOpen(), OdError);
+    EXPECT_EQ(calls, 2);
+    EXPECT_FALSE(isTelling(*db)) << "an exception ends it as well";
+}
 
 TEST_F(ReactorTest, TellsOfANewObjectAtItsClosing) {
     auto line = make<OdDbLine>();
@@ -178,6 +200,12 @@ TEST_F(ReactorTest, AssertWriteEnabledIsAChange) {
     EXPECT_EQ(recorder.take(), (Calls{"opened LINE", "modified LINE"}));
     id.openObject(OdDb::kForWrite)->assertWriteEnabled(true, false);
     EXPECT_EQ(recorder.take(), Calls{"opened LINE"});
+    const unsigned long long changes = db->changeCount();
+    id.openObject(OdDb::kForWrite)->assertWriteEnabled(false, true);
+    EXPECT_EQ(recorder.take(), (Calls{"opened LINE", "modified LINE"})) << "a change that undo doesn't see";
+    EXPECT_EQ(db->changeCount(), changes);
+    id.openObject(OdDb::kForWrite)->assertWriteEnabled(false, false);
+    EXPECT_EQ(recorder.take(), Calls{}) << "only whether it is allowed";
 }
 
 TEST_F(ReactorTest, TellsOfUndoAndRedo) {
@@ -281,6 +309,214 @@ TEST_F(ReactorTest, DeliversAtTheEndOfTheOutermostTransactionWhatIsStillOpen) {
     line->setEndPoint({1, 0, 0});
     db->endTransaction();
     EXPECT_EQ(recorder.take(), (Calls{"opened LINE", "modified LINE", "transaction"}));
+}
+
+TEST_F(ReactorTest, DeliversWhatWasChangedBeforeTheOutermostTransactionAndIsStillOpen) {
+    const OdDbObjectId id = line();
+    const auto changed = drawing_test::open<OdDbLine>(id, OdDb::kForWrite);
+    changed->setEndPoint({1, 0, 0});
+    const auto point = make<OdDbPoint>();
+    append(*db, point);
+    recorder.take();
+    db->startTransaction();
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), (Calls{"modified LINE", "appended POINT", "transaction"}));
+    changed->setEndPoint({2, 0, 0});
+    EXPECT_EQ(recorder.take(), Calls{"opened LINE"}) << "a change after the telling is a further one";
+    db->startTransaction();
+    changed->setEndPoint({3, 0, 0});
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), (Calls{"modified LINE", "transaction"})) << "both changes, once";
+    db->startTransaction();
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), Calls{"transaction"});
+}
+
+TEST_F(ReactorTest, DeliversWithoutUndoAsWell) {
+    db->setUndoRecording(false);
+    const auto line = make<OdDbLine>();
+    append(*db, line);
+    db->startTransaction();
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), (Calls{"appended LINE", "transaction"}));
+}
+
+TEST_F(ReactorTest, AnAbortKeepsWhatWasPendingBeforeIt) {
+    const auto line = make<OdDbLine>(), other = make<OdDbLine>();
+    append(*db, line);
+    db->startTransaction();
+    append(*db, other);
+    db->abortTransaction();
+    EXPECT_EQ(recorder.take(), Calls{"unappended LINE"});
+    line->downgradeOpen();
+    EXPECT_EQ(recorder.take(), Calls{"appended LINE"});
+    other->downgradeOpen();
+    EXPECT_EQ(recorder.take(), Calls{});
+}
+
+TEST_F(ReactorTest, UndoOfAChangeForgetsTheChangeAndNotThatTheObjectCame) {
+    auto reference = make<OdDbBlockReference>();
+    reference->appendAttribute(make<OdDbAttribute>());
+    append(*db, reference);
+    db->startUndoRecord();
+    reference->setRotation(1);
+    ASSERT_TRUE(db->undo());
+    EXPECT_EQ(recorder.take(), Calls{"undone INSERT"});
+    reference.release();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT"}));
+}
+
+TEST_F(ReactorTest, DeliversOfEachOfManyOpenObjectsOnce) {
+    std::vector<OdSmartPtr<OdDbLine>> lines;
+    for (int i = 0; i < 200; ++i) append(*db, lines.emplace_back(make<OdDbLine>()));
+    for (int i = 0; i < 200; i += 2) lines[static_cast<std::size_t>(i)]->downgradeOpen();
+    for (int round = 0; round < 3; ++round) // closed and changed again, in an order of its own
+        for (std::size_t i = 0; i < 200; i += 4) {
+            lines[i]->upgradeOpen();
+            lines[i]->setEndPoint({1, 0, 0});
+            if (round < 2) lines[i]->downgradeOpen();
+        }
+    recorder.take();
+    db->startTransaction();
+    db->endTransaction();
+    const Calls calls = recorder.take();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "appended LINE"), 100);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "modified LINE"), 50);
+    EXPECT_EQ(calls.size(), 151u);
+    EXPECT_EQ(calls.back(), "transaction");
+    lines.clear();
+    EXPECT_EQ(recorder.take(), Calls{});
+}
+
+TEST_F(ReactorTest, ACallbackAtTheEndOfATransactionMayChangeWhatStaysOpen) {
+    const auto line = make<OdDbLine>(), second = make<OdDbLine>();
+    append(*db, second);
+    second->downgradeOpen();
+    append(*db, line);
+    recorder.take();
+    recorder.also = [&](const std::string& word, const OdDbObject*) {
+        if (word == "opened") return;
+        line->upgradeOpen();
+        line->setEndPoint({1, 0, 0});
+        second->upgradeOpen();
+        second->setEndPoint({1, 0, 0});
+    };
+    db->startTransaction();
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), (Calls{"appended LINE", "opened LINE", "opened LINE", "modified LINE",
+                                      "opened LINE", "transaction"}))
+        << "each object is told of once, so that this ends";
+    recorder.also = nullptr;
+}
+
+// --- parts that only their owner holds
+// ----------------------------------------------------------------------------
+
+namespace {
+
+/// A reference that brings attributes along which nobody else holds.
+OdSmartPtr<OdDbBlockReference> referenceWith(int attributes) {
+    const auto reference = make<OdDbBlockReference>();
+    for (int i = 0; i < attributes; ++i) reference->appendAttribute(make<OdDbAttribute>());
+    return reference;
+}
+
+} // namespace
+
+TEST_F(ReactorTest, TellsOfAttributesThatCameWithTheirReferenceAtItsClosing) {
+    auto reference = referenceWith(2);
+    append(*db, reference);
+    EXPECT_EQ(recorder.take(), Calls{}) << "nothing is told inside the append";
+    reference->setLayer(addLayer(*db, "L"));
+    EXPECT_EQ(recorder.take(), Calls{"appended LAYER"});
+    std::vector<bool> whole;
+    recorder.also = [&](const std::string&, const OdDbObject* object) {
+        whole.push_back(
+            open<OdDbEntity>(object->isKindOf(OdDbAttribute::desc()) ? object->ownerId() : object->objectId())
+                ->layer() == od("L"));
+    };
+    reference.release();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended ATTRIB", "appended INSERT"}));
+    EXPECT_EQ(whole, (std::vector<bool>{true, true, true}));
+    recorder.also = nullptr;
+}
+
+TEST_F(ReactorTest, AnAttributeThatSomebodyHoldsIsToldOfWhenHeLetsItGo) {
+    auto reference = make<OdDbBlockReference>();
+    auto held = make<OdDbAttribute>();
+    reference->appendAttribute(held);
+    reference->appendAttribute(make<OdDbAttribute>());
+    append(*db, reference);
+    reference.release();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT"}));
+    EXPECT_TRUE(held->isWriteEnabled());
+    held->setTextString(od("x"));
+    held.release();
+    EXPECT_EQ(recorder.take(), Calls{"appended ATTRIB"});
+}
+
+TEST_F(ReactorTest, TellsOfSuchAttributesAtTheEndOfTheTransactionAtTheLatest) {
+    db->startTransaction();
+    const auto reference = referenceWith(1);
+    append(*db, reference);
+    db->endTransaction();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT", "transaction"}));
+    reference->downgradeOpen();
+    EXPECT_EQ(recorder.take(), Calls{});
+}
+
+TEST_F(ReactorTest, ReferencesThatGoAtOnceTellOfTheirAttributesFirst) {
+    const auto reference = referenceWith(1);
+    append(*db, reference);
+    reference->erase();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT", "erased INSERT"}));
+}
+
+TEST_F(ReactorTest, UndoWhileAReferenceIsOpenForgetsItsAttributes) {
+    db->startUndoRecord();
+    {
+        const auto reference = referenceWith(2);
+        append(*db, reference);
+        ASSERT_TRUE(db->undo());
+        EXPECT_EQ(recorder.take(), (Calls{"unappended ATTRIB", "unappended ATTRIB", "unappended INSERT"}));
+    }
+    EXPECT_EQ(recorder.take(), Calls{});
+    ASSERT_TRUE(db->redo());
+    EXPECT_EQ(recorder.take(), (Calls{"reappended INSERT", "reappended ATTRIB", "reappended ATTRIB"}));
+}
+
+TEST_F(ReactorTest, AnExceptionForAnAttributeKeepsNoOtherPartFromBeingToldOf) {
+    const auto reference = referenceWith(2);
+    append(*db, reference);
+    int raised = 0;
+    recorder.also = [&](const std::string&, const OdDbObject*) {
+        if (raised++ == 0) throw OdError(eInvalidInput);
+    };
+    EXPECT_THROW(reference->downgradeOpen(), OdError);
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended ATTRIB", "appended INSERT"}));
+    recorder.also = nullptr;
+    reference->downgradeOpen();
+    EXPECT_EQ(recorder.take(), Calls{});
+}
+
+TEST_F(ReactorTest, ACallbackForAnAttributeMayOpenAndCloseItsReference) {
+    auto reference = referenceWith(1);
+    append(*db, reference);
+    recorder.also = [&](const std::string& word, const OdDbObject* object) {
+        if (word != "appended" || !object->isKindOf(OdDbAttribute::desc())) return;
+        open<OdDbBlockReference>(object->ownerId(), OdDb::kForWrite)->setRotation(1);
+    };
+    reference.release();
+    EXPECT_EQ(recorder.take(), (Calls{"appended ATTRIB", "appended INSERT"}));
+    recorder.also = nullptr;
+}
+
+TEST_F(ReactorTest, ADatabaseThatEndsWithAnOpenReferenceTellsNothing) {
+    const auto reference = referenceWith(1);
+    append(*db, reference);
+    db = newDatabase();
+    EXPECT_EQ(recorder.take(), Calls{});
+    EXPECT_FALSE(reference->isDBRO());
 }
 
 TEST_F(ReactorTest, SaysNothingOfTransactionsThatAreAborted) {

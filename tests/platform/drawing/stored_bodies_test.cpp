@@ -86,6 +86,29 @@ TEST(StoredBodies, ComeAlongWithACopyThatIsAppended) {
     EXPECT_TRUE(contains(recordIn(*db, copy->objectId()), "AB01"));
 }
 
+TEST(StoredBodies, KeepACopyFromBeingAppendedToAnotherDrawing) {
+    auto source = drawing(kRecords);
+    const auto db = newDatabase();
+    const std::string before = written(*db);
+    const auto copyOf = [&](unsigned handle) {
+        return OdSmartPtr<OdDbEntity>(
+            static_cast<OdDbEntity*>(open<OdDbEntity>(idOf(*source, handle))->clone()), lm::drawing::kAttach);
+    };
+    const auto empty = copyOf(0xA1), whole = copyOf(0xA3), held = open<OdDbEntity>(idOf(*source, 0xA2));
+    EXPECT_EQ(codeOf([&] { append(*db, empty); }), eNotApplicable);
+    EXPECT_EQ(errorOf([&] { append(*db, empty); }),
+              "a 3DSOLID has its body in a part of the file that can't be brought to another drawing");
+    EXPECT_FALSE(empty->isDBRO());
+    EXPECT_EQ(written(*db), before) << "nothing was begun";
+    append(*source, empty); // at home it is whole
+    EXPECT_TRUE(contains(recordIn(*source, empty->objectId()), "AB01"));
+    const std::string entry = entryOf(*db, append(*db, whole));
+    EXPECT_TRUE(contains(entry, "1 body")) << entry;
+    source = newDatabase();
+    EXPECT_FALSE(held->isDBRO()) << "its drawing has gone";
+    EXPECT_EQ(codeOf([&] { append(*db, held); }), eNotApplicable);
+}
+
 TEST(StoredBodies, AreNotGivenToOthers) {
     const auto db = drawing(kRecords);
     EXPECT_EQ(recordIn(*db, cloned(*db, idOf(*db, 0xA3))), "") << "it has its body itself";

@@ -4,7 +4,7 @@
 
 #include "drawing/recordsearch.h"
 
-#include <chrono>
+#include <ctime>
 
 using namespace drawing_test;
 
@@ -285,13 +285,13 @@ TEST(RecordCalled, IsAsQuickAmongManyRecords) {
         double best = 1e9;
         for (int round = 0; round < 3; ++round) {
             const auto db = newDatabase();
-            const auto start = std::chrono::steady_clock::now();
+            // The time of this process alone: others must not decide.
+            const std::clock_t start = std::clock();
             for (int i = 0; i < layers; ++i) {
                 const std::string name = "Layer " + std::to_string(i);
                 if (called(*db, name).isNull()) addLayer(*db, name);
             }
-            const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
-            best = std::min(best, spent.count());
+            best = std::min(best, double(std::clock() - start));
         }
         return best;
     };

@@ -109,6 +109,7 @@ void OdDbBlockReference::subBecomeResident() {
         Node* const entry = lm::drawing::makeResident(database()->data(), *attribute.get(),
                                                       lm::drawing::kKindAttrib, objectId().node(), true);
         entry->flags |= Node::kEntity;
+        database()->data().pending.hold(*objectId().node(), attribute);
     }
 }
 

@@ -75,7 +75,7 @@ OdSmartPtr<OdDbObject> Cloner::bareCopy(Node& source) {
     OdSmartPtr<OdDbObject> copy(ObjectAccess::newState(body), kAttach);
     RawPointer raw = rawGroupsOf(body);
     if (raw && crosses()) {
-        need(source, *raw.get());
+        need(body, *raw.get());
         raw = RawPointer(new RawGroups(raw->form(), raw->span(), raw->kind(), m_to.identity));
     }
     ObjectAccess::setRaw(*copy.get(), std::move(raw));
@@ -125,7 +125,7 @@ void Cloner::entity(Node& source, OdDbBlockTableRecord& owner) {
     auto& entity = static_cast<OdDbEntity&>(*copy.get());
     std::vector<std::pair<Node*, OdSmartPtr<OdDbObject>>> parts;
     if (source.firstPart != nullptr) cloneParts(source, entity, parts);
-    pair(source, owner.appendOdDbEntity(OdSmartPtr<OdDbEntity>(&entity)));
+    pair(source, resident([&] { return owner.appendOdDbEntity(OdSmartPtr<OdDbEntity>(&entity)); }));
     for (auto& [part, clone] : parts) {
         pair(*part, clone->objectId());
         note(*part, std::move(clone));
@@ -135,7 +135,8 @@ void Cloner::entity(Node& source, OdDbBlockTableRecord& owner) {
 
 void Cloner::attribute(Node& source, OdDbBlockReference& owner) {
     const OdSmartPtr<OdDbObject> copy = bareCopy(source);
-    pair(source, owner.appendAttribute(OdSmartPtr<OdDbAttribute>(static_cast<OdDbAttribute*>(copy.get()))));
+    const OdSmartPtr<OdDbAttribute> attribute(static_cast<OdDbAttribute*>(copy.get()));
+    pair(source, resident([&] { return owner.appendAttribute(attribute); }));
     note(source, copy);
 }
 
@@ -146,12 +147,14 @@ Node* Cloner::record(Node& source, Node& table, const OdString& name) {
         m_renamed[utf8(record.getName())] = utf8(name);
     ObjectAccess::setName(record, name);
     auto& owner = static_cast<OdDbSymbolTable&>(*m_to.bodyOf(&table));
-    if (name.isEmpty()) {
-        makeResident(m_to, record, kKindNone, &table, true)->flags |= Node::kTableRecord;
-    } else {
+    resident([&] {
+        if (name.isEmpty()) {
+            makeResident(m_to, record, kKindNone, &table, true)->flags |= Node::kTableRecord;
+            return record.objectId();
+        }
         const OpenForWrite open(&owner);
-        owner.add(OdSmartPtr<OdDbSymbolTableRecord>(&record));
-    }
+        return owner.add(OdSmartPtr<OdDbSymbolTableRecord>(&record));
+    });
     m_hasTargets = true;
     pair(source, record.objectId());
     Node* const node = record.objectId().node();
@@ -180,7 +183,7 @@ void Cloner::cloneEntities(Node& source, OdDbBlockTableRecord& block) {
 
 OdSmartPtr<OdDbObject> Cloner::object(Node& source, OdDbObjectId owner) {
     const OdSmartPtr<OdDbObject> copy = bareCopy(source);
-    pair(source, m_to.database.addOdDbObject(copy, owner));
+    pair(source, resident([&] { return m_to.database.addOdDbObject(copy, owner); }));
     m_hasTargets = true;
     const auto* const from = OdDbDictionary::cast(m_from.bodyOf(&source));
     if (auto* const dictionary = OdDbDictionary::cast(copy.get()); dictionary != nullptr && from != nullptr) {
@@ -197,6 +200,12 @@ OdSmartPtr<OdDbObject> Cloner::object(Node& source, OdDbObjectId owner) {
     return copy;
 }
 
+/// Whether an object is of those that groups own: no entity and no record, and not what owns all others.
+bool Cloner::canBeOwned(const Node& target) const {
+    return !target.has(Node::kEntity) && !target.has(Node::kTableRecord) && target.kind != kKindTable &&
+           &target != m_from.fixed.dictionary;
+}
+
 /// What the groups of an object own beside its parts: its extension dictionary, and what it holds by handles.
 void Cloner::cloneOwned(Node& source, OdDbObject& clone) {
     constexpr int kHardOwner = 360;
@@ -206,12 +215,51 @@ void Cloner::cloneOwned(Node& source, OdDbObject& clone) {
         const bool owns = handle.place == HandlePlace::kExtension ||
                           (handle.place == HandlePlace::kField && handle.code == kHardOwner);
         Node* const target = owns ? m_from.handles.find(handle.handle) : nullptr;
-        if (target != nullptr && target->owner == &source && target->isLive() &&
-            !target->has(Node::kEntity) && !target->has(Node::kTableRecord) && cloneOf(*target) == nullptr)
+        if (target != nullptr && target->owner == &source && target->isLive() && canBeOwned(*target) &&
+            cloneOf(*target) == nullptr)
             owned.push_back(target);
         return true;
     });
     for (Node* target : owned) object(*target, clone.objectId());
+}
+
+void Cloner::own(OdDbObject& copy, const RawPointer& groups) {
+    constexpr int kHardOwner = 360;
+    if (!hasOwnGroups(copy)) return;
+    Node& node = *copy.objectId().node();
+    const bool isDictionary = OdDbDictionary::cast(&copy) != nullptr; // its fields are its entries
+    // Who owns something is the source, which the groups don't name when it is a copy itself.
+    const auto isSource = [&](const Node* owner) {
+        return owner != nullptr && m_from.kinds.name(owner->kind) == groups->kind();
+    };
+    std::vector<Node*> owned;
+    bool anyNamed = false;
+    forEachHandle(groups->span(), groups->kind(), [&](const RawHandle& handle) {
+        const bool extension = handle.place == HandlePlace::kExtension;
+        const bool field = handle.place == HandlePlace::kField && handle.code == kHardOwner && !isDictionary;
+        anyNamed = anyNamed || extension || handle.place == HandlePlace::kReactor;
+        Node* const target = extension || field ? m_from.handles.find(handle.handle) : nullptr;
+        if (target == nullptr || target->isErased() || target->owner == &node || !canBeOwned(*target))
+            return true;
+        if (extension || isSource(target->owner)) owned.push_back(target);
+        return true;
+    });
+    if (owned.empty() && !anyNamed && !crosses()) return;
+    if (crosses()) need(copy, *groups.get());
+    for (Node* const target : owned) {
+        if (isSource(target->owner) && cloneOf(*target->owner) == nullptr)
+            pair(*target->owner, copy.objectId());
+        if (cloneOf(*target) == nullptr) object(*target, copy.objectId());
+    }
+    finish();
+    if (crosses())
+        ObjectAccess::setRaw(
+            copy, RawPointer(new RawGroups(groups->form(), groups->span(), groups->kind(), m_to.identity)));
+    m_made.push_back({OdSmartPtr<OdDbObject>(&copy), &node, true});
+    translate();
+    for (Made& made : m_made)
+        if (made.object.get() != &copy) m_to.pending.hold(node, std::move(made.object));
+    m_made.clear();
 }
 
 /// The head and the end of a block keep what only they hold, such as the description.
@@ -249,7 +297,7 @@ std::uint64_t Cloner::foreignHandle(const RawHandle& handle) {
     }
 }
 
-void Cloner::need(Node&, const RawGroups&) {}
+void Cloner::need(const OdDbObject&, const RawGroups&) {}
 
 std::uint64_t Cloner::translated(const RawHandle& handle) {
     const Node* const target = m_from.handles.find(handle.handle);
@@ -352,6 +400,11 @@ void Cloner::close() {
         }
     }
     if (first) std::rethrow_exception(first);
+}
+
+void copyOwned(DatabaseData& data, OdDbObject& copy, const RawPointer& groups) {
+    OdDbIdMapping pairs; // of this object alone
+    Cloner(data, data, pairs).own(copy, groups);
 }
 
 void ObjectAccess::translateXData(OdDbObject& object,

@@ -34,6 +34,10 @@ public:
     /// Clones an object that is neither, with the entries that it owns.
     OdSmartPtr<OdDbObject> object(Node& source, OdDbObjectId owner);
 
+    /// Gives a resident copy clones of what its groups own, which are those of an object of `from`. They stay
+    /// open as long as the copy does.
+    void own(OdDbObject& copy, const RawPointer& groups);
+
     /// Lets references inside the set point to the clones.
     void translate();
     /// Closes the clones one after the other; owned ones before their owners. An exception of a reactor keeps
@@ -48,9 +52,11 @@ protected:
     /// The handle for one in raw groups that stands for no clone.
     virtual std::uint64_t foreignHandle(const RawHandle& handle);
     /// A copy of raw groups is made: what they need comes along.
-    virtual void need(Node& source, const RawGroups& raw);
+    virtual void need(const OdDbObject& source, const RawGroups& raw);
     /// A block was cloned; its entities are due.
     virtual void contents(Node& source, OdSmartPtr<OdDbBlockTableRecord> block);
+    /// Clones what is due by now.
+    virtual void finish() {}
     /// Gives the clone of a node, null for none.
     Node* cloneOf(const Node& source) const;
 
@@ -59,6 +65,16 @@ protected:
     void note(Node& source, OdSmartPtr<OdDbObject> clone);
     void pair(Node& source, OdDbObjectId clone);
     void cloneEntities(Node& source, OdDbBlockTableRecord& block);
+    /// Calls what makes a clone resident. What it owns is cloned when it is noted, not now.
+    template<class F>
+    OdDbObjectId resident(F&& make) {
+        struct AtWork {
+            DatabaseData& data;
+            explicit AtWork(DatabaseData& to) : data(to) { ++data.clonersAtWork; }
+            ~AtWork() { --data.clonersAtWork; }
+        } const atWork(m_to);
+        return make();
+    }
 
     DatabaseData& m_from;
     DatabaseData& m_to;
@@ -76,6 +92,7 @@ private:
     void cloneOwned(Node& source, OdDbObject& clone);
     void cloneFrame(Node& source, Node& clone);
     bool hasOwnGroups(const OdDbObject& copy) const;
+    bool canBeOwned(const Node& target) const;
     void translateObject(Made& made);
     void translateRaw(Made& made);
     void translateXrecord(OdDbXrecord& record);

@@ -178,7 +178,7 @@ void OdDbDatabase::endTransaction() {
     std::exception_ptr first;
     if (undo.transactions() == 1) {
         try {
-            undo.tellPending(undo.outermostStart());
+            m_data->pending.tellAll();
         } catch (...) {
             first = std::current_exception(); // the transaction ends all the same
         }
@@ -264,6 +264,8 @@ namespace lm::drawing {
 DatabaseData::DatabaseData(OdDbDatabase& db) : database(db), nodes(db), handles(db.m_handles), undo(*this) {}
 
 DatabaseData::~DatabaseData() {
+    pending.dropAll();
+    identity->data = nullptr;
     // Objects that somebody still holds live on outside; what they need of the source is read now. After that
     // no id finds its object any more.
     std::vector<OdDbObject*> held;

@@ -6,8 +6,10 @@
 #include "model/events.h"
 #include "model/handleindex.h"
 #include "model/kinds.h"
+#include "model/pending.h"
 #include "model/pictureusers.h"
 #include "model/rawgroups.h"
+#include "model/spatialindex.h"
 #include "model/undolog.h"
 
 #include "drawing/blockreference.h"
@@ -89,14 +91,17 @@ struct DatabaseData {
     OdGePoint3d basePoint;
 
     unsigned int silentRegistrations = 0;
-    /// Tells the databases of raw groups apart: handles in groups with this mark are handles of this
-    /// database.
-    std::shared_ptr<const char> identity = std::make_shared<const char>('\0');
+    /// The home of raw groups whose handles are handles of this database.
+    std::shared_ptr<Home> identity = std::make_shared<Home>(Home{this});
     /// By the letters that names of anonymous blocks begin with, the lowest number that may be free.
     std::unordered_map<std::string, unsigned> nextAnonymous;
     PictureUsers pictureUsers;
+    SpatialIndexes spatial;
     UndoLog undo;
     Events events;
+    Pending pending;
+    /// Above 0 while a Cloner makes objects resident, which sees to what their groups own by itself.
+    unsigned clonersAtWork = 0;
 
     /// An entry with a body, a free handle and a place in the index.
     Node* adopt(OdDbObject* body, std::uint16_t kind);
@@ -114,6 +119,13 @@ struct DatabaseData {
 
 /// What the drawing layer itself does with objects beyond their public operations.
 struct ObjectAccess {
+    static constexpr int kChangePending = OdDbObject::kChanged | OdDbObject::kAnnounced | OdDbObject::kImaged;
+    static void clearFlags(OdDbObject& object, int pending) {
+        const bool wasPending = object.closeNeedsTelling();
+        object.m_flags = static_cast<unsigned short>(object.m_flags & ~pending);
+        if (wasPending && !object.closeNeedsTelling())
+            object.m_node->database()->data().pending.remove(*object.m_node);
+    }
     static void setNode(OdDbObject& object, Node* node) { object.m_node = node; }
     static void setOpenForWrite(OdDbObject& object, bool write) {
         if (write)
@@ -141,12 +153,12 @@ struct ObjectAccess {
     /// Gives the handles under 1005 of an object that is new in its database other values.
     static void translateXData(OdDbObject& object, const std::function<OdString(const OdString&)>& handle);
     static void takeState(OdDbObject& object, const OdDbObject& state) { object.takeState(state); }
+    /// Whether the closing of an object has something to tell.
+    static bool isPending(const OdDbObject& object) { return object.closeNeedsTelling(); }
     /// Lets an object forget what it would tell at its closing.
-    static void clearPending(OdDbObject& object) {
-        constexpr int kPending =
-            OdDbObject::kNew | OdDbObject::kChanged | OdDbObject::kAnnounced | OdDbObject::kImaged;
-        object.m_flags = static_cast<unsigned short>(object.m_flags & ~kPending);
-    }
+    static void clearPending(OdDbObject& object) { clearFlags(object, OdDbObject::kNew | kChangePending); }
+    /// Lets it forget a change alone: that an object came is still to be told.
+    static void clearPendingChange(OdDbObject& object) { clearFlags(object, kChangePending); }
     static void tellClosed(OdDbObject& object) {
         if (object.closeNeedsTelling()) object.tellClosed();
     }
@@ -188,6 +200,14 @@ struct ObjectAccess {
 /// Makes an object resident under an owner: entry, handle, applications of its extended data, and whatever
 /// its class does then. The object is left write-enabled.
 Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart);
+
+/// Gives an object that was copied outside any drawing and has just become resident copies of its own of what
+/// its groups own, such as the extension dictionary: the groups name those of its source. What it doesn't own
+/// and belongs to the source, such as reactors, goes.
+void copyOwned(DatabaseData& data, OdDbObject& copy, const RawPointer& groups);
+/// The same for groups of another drawing. What they need of that comes along, as far as insert brings it;
+/// nothing when the other drawing has gone.
+void bringOwned(DatabaseData& data, OdDbObject& copy, const RawPointer& groups);
 
 /// Enters an application id that the table lacks; the silent registration of extended data.
 void registerApplication(DatabaseData& data, const OdString& name);

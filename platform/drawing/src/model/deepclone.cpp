@@ -2,6 +2,8 @@
 // Deep clones inside one database.
 #include "model/cloner.h"
 
+#include "drawing/deepclone.h"
+
 namespace lm::drawing {
 
 namespace {
@@ -87,38 +89,60 @@ void cloneOne(DatabaseData& data, Cloner& cloner, Node& source, OdDbObject& owne
     }
 }
 
-} // namespace
-
-} // namespace lm::drawing
-
-void OdDbDatabase::deepCloneObjects(const OdArray<OdDbObjectId>& ids, OdDbObjectId owner,
-                                    OdDbIdMapping& mapping, bool deferXlation) {
-    using namespace lm::drawing;
-    DatabaseData& data = *m_data;
-    if (!owner.isValid() || owner.database() != this) throw OdError(eInvalidInput);
+/// Makes the clones; they wait in the cloner for their closing.
+void makeClones(Cloner& cloner, DatabaseData& data, const OdArray<OdDbObjectId>& ids, OdDbObjectId owner,
+                OdDbIdMapping& mapping) {
+    OdDbDatabase& database = data.database;
+    if (!owner.isValid() || owner.database() != &database) throw OdError(eInvalidInput);
     if (!owner.node()->isLive()) throw OdError(eWasErased);
     OdDbObject& body = *data.bodyOf(owner.node());
     const Place place = placeOf(body);
     const std::vector<Node*> sources = checkedSources(data, ids, *owner.node(), place);
-    mapping.setDestDb(this);
+    mapping.setDestDb(&database);
     std::size_t clones = mapping.pairs().size() + sources.size();
     for (const Node* source : sources)
         for (const Node* part = source->firstPart; part != nullptr; part = part->next) ++clones;
     // A mapping that grows by a few pairs at a time grows by itself.
     if (clones > 2 * mapping.pairs().size()) mapping.reserve(clones);
     const std::uint64_t firstNew = data.nextHandle;
-    Cloner cloner(data, data, mapping);
-    {
-        const OpenForWrite open(&body);
-        for (Node* source : sources) {
-            OdDbIdPair pair{OdDbObjectId(source)};
-            // An id that stands in the array twice is cloned once.
-            if (mapping.compute(pair) && pair.value().database() == this &&
-                pair.value().node()->handle >= firstNew)
-                continue;
-            cloneOne(data, cloner, *source, body, place);
-        }
+    const OpenForWrite open(&body);
+    for (Node* source : sources) {
+        OdDbIdPair pair{OdDbObjectId(source)};
+        // An id that stands in the array twice is cloned once.
+        if (mapping.compute(pair) && pair.value().database() == &database &&
+            pair.value().node()->handle >= firstNew)
+            continue;
+        cloneOne(data, cloner, *source, body, place);
     }
+}
+
+} // namespace
+
+void deepCloneChanged(OdDbDatabase& database, const OdArray<OdDbObjectId>& ids, OdDbObjectId owner,
+                      OdDbIdMapping& mapping, const std::function<void()>& change) {
+    Cloner cloner(database.data(), database.data(), mapping);
+    makeClones(cloner, database.data(), ids, owner, mapping);
+    cloner.translate();
+    std::exception_ptr first;
+    try {
+        change();
+    } catch (...) {
+        first = std::current_exception();
+    }
+    try {
+        cloner.close();
+    } catch (...) {
+        if (!first) first = std::current_exception();
+    }
+    if (first) std::rethrow_exception(first);
+}
+
+} // namespace lm::drawing
+
+void OdDbDatabase::deepCloneObjects(const OdArray<OdDbObjectId>& ids, OdDbObjectId owner,
+                                    OdDbIdMapping& mapping, bool deferXlation) {
+    lm::drawing::Cloner cloner(*m_data, *m_data, mapping);
+    lm::drawing::makeClones(cloner, *m_data, ids, owner, mapping);
     if (!deferXlation) cloner.translate();
     cloner.close();
 }

@@ -2,6 +2,9 @@
 #include "model/events.h"
 
 #include "base/rxclass.h"
+#include "model/databasedata.h"
+
+#include "drawing/telling.h"
 
 #include <atomic>
 #include <new>
@@ -28,6 +31,14 @@ void OdDbTransactionReactor::addRef() {}
 void OdDbTransactionReactor::release() {}
 
 namespace lm::drawing {
+
+bool isTelling(const OdDbDatabase& database) noexcept {
+    return database.data().events.isTelling();
+}
+
+void tellWaiting(OdDbDatabase& database) {
+    database.data().pending.tellAll();
+}
 
 namespace {
 

@@ -11,13 +11,16 @@
 namespace lm::drawing {
 
 /// The reactors of one database. Lists are walked as copies, without those that left meanwhile; an exception
-/// keeps nobody else from being told, and the first one passes.
+/// keeps nobody else from being told, and the first one passes. Whoever tells goes on in the database
+/// afterwards, so that it must not end in a callback: see isTelling.
 class Events {
 public:
     std::vector<OdDbDatabaseReactor*> reactors;
     std::vector<OdDbTransactionReactor*> transactionReactors;
 
     bool isAnybodyThere() const noexcept { return !reactors.empty(); }
+    /// Whether somebody is being told something now.
+    bool isTelling() const noexcept { return m_telling != 0; }
 
     /// Calls `tell` for each database reactor.
     template<class F>
@@ -30,8 +33,17 @@ public:
     }
 
 private:
+    struct Telling {
+        explicit Telling(unsigned& calls) : depth(calls) { ++depth; }
+        ~Telling() { --depth; }
+        Telling(const Telling&) = delete;
+        Telling& operator=(const Telling&) = delete;
+        unsigned& depth;
+    };
+
     template<class R, class F>
-    static void each(std::vector<R*>& list, F& call) {
+    void each(std::vector<R*>& list, F& call) {
+        const Telling telling(m_telling);
         const std::vector<R*> copy = list;
         std::exception_ptr first;
         for (R* reactor : copy) {
@@ -44,6 +56,8 @@ private:
         }
         if (first) std::rethrow_exception(first);
     }
+
+    unsigned m_telling = 0;
 };
 
 /// Reports an exception that nobody can take; called inside its handler.

@@ -3,11 +3,13 @@
 
 #include "model/databasedata.h"
 #include "model/iterators.h"
+#include "model/pictures.h"
 #include "model/rawextents.h"
 #include "model/stretch.h"
 
 #include "drawing/curves.h"
 
+#include <bit>
 #include <numbers>
 
 namespace lm::drawing {
@@ -166,6 +168,13 @@ bool addShape(const OdDbEntity& entity, const OdGeMatrix3d& matrix, OdGeExtents3
     return unread != nullptr && addRawShape(*unread, matrix, extents);
 }
 
+/// Whether a text has lines that are an object of their own.
+bool hasLines(const OdDbEntity& entity) {
+    if (const auto* attribute = OdDbAttribute::cast(&entity)) return !attribute->getMTextAttribute().isNull();
+    const auto* definition = OdDbAttributeDefinition::cast(&entity);
+    return definition != nullptr && !definition->getMTextAttributeDefinition().isNull();
+}
+
 /// Whether an entity of a block shows in its references. Definitions don't, but constant ones that are
 /// visible.
 bool showsInReferences(const OdDbEntity& entity) {
@@ -190,9 +199,16 @@ void addCorners(const OdGeExtents3d& box, const OdGeMatrix3d& matrix, OdGeExtent
             for (const double z : {low.z, high.z}) extents.addPoint(matrix * OdGePoint3d(x, y, z));
 }
 
-void addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& matrix, OdGeExtents3d& extents) {
+/// True when one of them has lines of its own.
+bool addAttributes(const OdDbBlockReference& reference, const OdGeMatrix3d& matrix, OdGeExtents3d& extents) {
     const OdSmartPtr<OdDbObjectIterator> walk = attributesOf(reference);
-    for (walk->start(); !walk->done(); walk->step()) addShape(*walk->entity().get(), matrix, extents);
+    bool anyLines = false;
+    for (walk->start(); !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> attribute = walk->entity();
+        addShape(*attribute, matrix, extents);
+        anyLines = anyLines || hasLines(*attribute);
+    }
+    return anyLines;
 }
 
 /// The live block that an entity shows, with its transform: that of a reference, the picture of a dimension
@@ -228,13 +244,16 @@ constexpr std::size_t kMostKnown = 4096;
 
 std::size_t ExtentsFinder::Hash::operator()(const Key& key) const noexcept {
     std::size_t hash = std::hash<const void*>{}(key.block);
-    for (const double part : key.linear) hash = hash * 1099511628211u + std::hash<double>{}(part);
+    for (const std::uint64_t part : key.linear) hash = (hash ^ part ^ part >> 32) * 1099511628211u;
     return hash;
 }
 
 ExtentsFinder::Key ExtentsFinder::keyOf(Node& block, const OdGeMatrix3d& matrix) {
     Key key{&block, {}};
-    for (std::size_t i = 0; i < 9; ++i) key.linear[i] = matrix.entry[i / 3][i % 3];
+    for (std::size_t i = 0; i < 9; ++i) {
+        const double value = matrix.entry[i / 3][i % 3];
+        key.linear[i] = std::bit_cast<std::uint64_t>(value == 0 ? 0.0 : value); // both zeros are one number
+    }
     return key;
 }
 
@@ -242,6 +261,28 @@ void ExtentsFinder::addMoved(const OdGeExtents3d& box, const OdGeVector3d& by, O
     if (box.isEmpty()) return;
     extents.addPoint(box.minPoint() + by);
     extents.addPoint(box.maxPoint() + by);
+}
+
+bool ExtentsFinder::isSpent() const noexcept {
+    return m_isCut || m_known.size() >= kMostKnown;
+}
+
+/// Tells which block an entity shows or would show. False when that block belongs to another drawing.
+bool ExtentsFinder::noteSource(const OdDbEntity& entity, const Node* in) const {
+    if (m_sources == nullptr) return true;
+    if (const auto* reference = OdDbBlockReference::cast(&entity)) {
+        const Node* const block = reference->blockTableRecord().node();
+        if (block == nullptr || block->database() == nullptr) return true;
+        m_sources->push_back({in, block});
+        return block->database() == entity.database();
+    }
+    const RawPointer raw = OdDbUnreadEntity::cast(&entity) != nullptr ? rawGroupsOf(entity) : RawPointer();
+    if (!raw || !showsPicture(raw->kind())) return true;
+    m_sources->push_back({in, nullptr});
+    if (entity.database() == nullptr) return true;
+    if (const Node* const block = pictureBlock(*raw.get(), entity.database()->data()))
+        m_sources->push_back({in, block});
+    return true;
 }
 
 bool ExtentsFinder::isOnItsWay(const Node& block) const {
@@ -252,43 +293,47 @@ bool ExtentsFinder::isOnItsWay(const Node& block) const {
 /// Adds what shows a block to its frame. False when the block's box must be found first, by `inner`.
 bool ExtentsFinder::stepInto(const OdDbEntity& entity, Node* block, const OdGeMatrix3d& own, Frame& frame,
                              Frame& inner) {
-    if (block != nullptr && !isOnItsWay(*block)) { // a block inside itself counts once
+    const bool isInside = block != nullptr && isOnItsWay(*block);
+    m_isCut = m_isCut || isInside;
+    if (block != nullptr && !isInside) { // a block inside itself counts once
         const OdGeMatrix3d place = frame.matrix * own;
         const bool exact = m_known.size() < kMostKnown;
         const OdGeMatrix3d linear = exact ? linearPart(place) : OdGeMatrix3d();
         const auto known = m_known.find(keyOf(*block, linearPart(place)));
         OdGeExtents3d shown;
         if (known != m_known.end()) {
-            addMoved(known->second, shiftOf(place), shown);
+            addMoved(known->second.box, shiftOf(place), shown);
+            frame.hangsOnMore = frame.hangsOnMore || known->second.hangsOnMore;
         } else {
             const Key key = keyOf(*block, linear);
             const auto box = m_known.find(key);
             if (box == m_known.end()) {
-                inner = {key, linear, block->firstPart, {}};
+                inner = {key, linear, block->firstPart, {}, false};
                 return false;
             }
-            addCorners(box->second, place, shown);
+            addCorners(box->second.box, place, shown);
+            frame.hangsOnMore = frame.hangsOnMore || box->second.hangsOnMore;
         }
         addCopies(entity, frame.matrix, shown, frame.box);
     }
     if (const auto* reference = OdDbBlockReference::cast(&entity))
-        addAttributes(*reference, frame.matrix, frame.box);
+        if (addAttributes(*reference, frame.matrix, frame.box)) frame.hangsOnMore = true;
     return true;
 }
 
-OdGeExtents3d ExtentsFinder::boxOf(Node& block, const OdGeMatrix3d& matrix) {
+ExtentsFinder::Known ExtentsFinder::boxOf(Node& block, const OdGeMatrix3d& matrix) {
     const Key wanted = keyOf(block, matrix);
     const auto known = m_known.find(wanted);
     if (known != m_known.end()) return known->second;
     DatabaseData& data = block.database()->data();
-    OdGeExtents3d box;
+    Known box{};
     // A stack of our own: blocks may be nested deeper than that of the process.
-    m_frames.push_back({wanted, matrix, block.firstPart, {}});
+    m_frames.push_back({wanted, matrix, block.firstPart, {}, false});
     m_onTheirWay[&block] = 1;
     while (!m_frames.empty()) {
         Frame& frame = m_frames.back();
         if (frame.next == nullptr) {
-            box = frame.box;
+            box = {frame.box, frame.hangsOnMore};
             m_onTheirWay[frame.key.block] = 0;
             m_known[frame.key] = box;
             m_frames.pop_back();
@@ -307,7 +352,9 @@ OdGeExtents3d ExtentsFinder::boxOf(Node& block, const OdGeMatrix3d& matrix) {
             }
         } else if (entity != nullptr && showsInReferences(*entity)) {
             addShape(*entity, frame.matrix, frame.box);
+            frame.hangsOnMore = frame.hangsOnMore || hasLines(*entity);
         }
+        if (entity != nullptr && !noteSource(*entity, frame.key.block)) frame.hangsOnMore = true;
         frame.next = frame.next->next;
     }
     return box;
@@ -317,14 +364,17 @@ bool ExtentsFinder::add(const OdDbEntity& entity, OdGeExtents3d& extents) {
     const auto* reference = OdDbBlockReference::cast(&entity);
     OdGeMatrix3d own;
     Node* const block = blockOf(entity, own);
+    m_hangsOnMore = !noteSource(entity, nullptr) || hasLines(entity);
     if (block == nullptr && reference == nullptr) return addShape(entity, OdGeMatrix3d(), extents);
     OdGeExtents3d box;
     if (block != nullptr) {
         OdGeExtents3d shown;
-        addMoved(boxOf(*block, linearPart(own)), shiftOf(own), shown);
+        const Known known = boxOf(*block, linearPart(own));
+        addMoved(known.box, shiftOf(own), shown);
+        m_hangsOnMore = m_hangsOnMore || known.hangsOnMore;
         addCopies(entity, OdGeMatrix3d(), shown, box);
     }
-    if (reference != nullptr) addAttributes(*reference, OdGeMatrix3d(), box);
+    if (reference != nullptr && addAttributes(*reference, OdGeMatrix3d(), box)) m_hangsOnMore = true;
     extents.addExtents(box);
     return !box.isEmpty();
 }

@@ -31,12 +31,7 @@ public:
         Node& space = *m_from.fixed.modelSpace;
         m_known[&space] = block->objectId().node();
         cloneEntities(space, *block.get());
-        while (!m_due.empty()) {
-            const Due due = m_due.front();
-            m_due.pop_front();
-            cloneEntities(*due.source, *due.block.get());
-            note(*due.source, due.block);
-        }
+        finish();
         translate();
         std::exception_ptr raised;
         try {
@@ -70,7 +65,16 @@ protected:
         return known != m_known.end() && known->second != nullptr ? known->second->handle : 0;
     }
 
-    void need(Node& source, const RawGroups& raw) override {
+    void finish() override {
+        while (!m_due.empty()) {
+            const Due due = m_due.front();
+            m_due.pop_front();
+            cloneEntities(*due.source, *due.block.get());
+            note(*due.source, due.block);
+        }
+    }
+
+    void need(const OdDbObject& source, const RawGroups& raw) override {
         forEachHandle(raw.span(), raw.kind(), [&](const RawHandle& handle) {
             const bool hard =
                 (handle.code >= 340 && handle.code <= 349) || (handle.code >= 390 && handle.code <= 399);
@@ -78,7 +82,7 @@ protected:
                 if (Node* const target = m_from.handles.find(handle.handle)) resolve(*target);
             return true;
         });
-        const bool unread = m_from.bodyOf(&source)->isKindOf(OdDbUnreadEntity::desc());
+        const bool unread = source.isKindOf(OdDbUnreadEntity::desc());
         const bool style = raw.kind() == "DIMSTYLE";
         if (unread || style)
             forEachName(raw.span(), raw.kind(), [&](int code, std::string_view bytes) {
@@ -166,7 +170,7 @@ private:
     /// A dictionary on the way to an object comes without what else stands in it.
     OdSmartPtr<OdDbObject> emptyDictionary(Node& source, OdDbObjectId owner) {
         const OdSmartPtr<OdDbObject> copy = bareCopy(source);
-        pair(source, m_to.database.addOdDbObject(copy, owner));
+        pair(source, resident([&] { return m_to.database.addOdDbObject(copy, owner); }));
         note(source, copy);
         return copy;
     }
@@ -208,6 +212,13 @@ void refuseStoredBodies(DatabaseData& from) {
 }
 
 } // namespace
+
+void bringOwned(DatabaseData& data, OdDbObject& copy, const RawPointer& groups) {
+    DatabaseData* const from = groups->home() != nullptr ? groups->home()->data : nullptr;
+    if (from == nullptr) return;
+    OdDbIdMapping pairs; // of this object alone
+    Importer(*from, data, pairs).own(copy, groups);
+}
 
 } // namespace lm::drawing
 

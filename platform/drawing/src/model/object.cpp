@@ -128,17 +128,37 @@ void OdDbObject::lastReleased() noexcept {
 }
 
 void OdDbObject::tellClosed() {
-    const bool isNew = (m_flags & kNew) != 0;
-    m_flags &= static_cast<unsigned short>(~(kNew | kChanged | kAnnounced));
     OdDbDatabase* const db = m_node->database();
-    if (db == nullptr || !db->data().events.isAnybodyThere()) return;
+    if (db == nullptr) {
+        m_flags &= static_cast<unsigned short>(~(kNew | kChanged | kAnnounced));
+        return;
+    }
+    DatabaseData& data = db->data();
     const OdSmartPtr<OdDbObject> held(this);
-    db->data().events.tell([&](OdDbDatabaseReactor& reactor) {
-        if (isNew)
-            reactor.objectAppended(db, this);
-        else
-            reactor.objectModified(db, this);
-    });
+    std::exception_ptr first;
+    if (data.pending.holds(*m_node)) {
+        try {
+            data.pending.closeHeld(*m_node); // parts before their owner
+        } catch (...) {
+            first = std::current_exception();
+        }
+    }
+    if (closeNeedsTelling()) { // else a callback for a part closed this object itself
+        const bool isNew = (m_flags & kNew) != 0;
+        m_flags &= static_cast<unsigned short>(~(kNew | kChanged | kAnnounced));
+        data.pending.remove(*m_node);
+        try {
+            data.events.tell([&](OdDbDatabaseReactor& reactor) {
+                if (isNew)
+                    reactor.objectAppended(db, this);
+                else
+                    reactor.objectModified(db, this);
+            });
+        } catch (...) {
+            if (!first) first = std::current_exception();
+        }
+    }
+    if (first) std::rethrow_exception(first);
 }
 
 void OdDbObject::upgradeOpen() {
@@ -153,18 +173,20 @@ void OdDbObject::downgradeOpen() {
 void OdDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
     if (!isWriteEnabled()) throw OdError(eNotOpenForWrite);
     if (m_node == nullptr) return;
-    if (autoUndo) {
-        DatabaseData& data = m_node->database()->data();
-        if ((m_flags & (kAnnounced | kNew)) == 0) {
-            m_flags |= kAnnounced;
-            data.events.tell(
-                [&](OdDbDatabaseReactor& reactor) { reactor.objectOpenedForModify(&data.database, this); });
-        }
-        data.undo.fileState(*this);
+    if (!autoUndo && !recordModified) return;
+    DatabaseData& data = m_node->database()->data();
+    if ((m_flags & (kAnnounced | kNew)) == 0) {
+        m_flags |= kAnnounced;
+        data.events.tell(
+            [&](OdDbDatabaseReactor& reactor) { reactor.objectOpenedForModify(&data.database, this); });
     }
+    if (autoUndo) data.undo.fileState(*this);
     if (!recordModified) return;
+    if (!closeNeedsTelling()) data.pending.add(*m_node);
     m_flags |= kModified | kChanged;
     m_node->flags |= Node::kDirty;
+    // Behind all callbacks: who asks in one where the object lies measures it as it still is.
+    data.spatial.changed(*m_node);
 }
 
 OdResult OdDbObject::erase(bool erasing) {
@@ -183,6 +205,7 @@ OdResult OdDbObject::erase(bool erasing) {
     DatabaseData& data = m_node->database()->data();
     data.undo.file(m_node, lm::drawing::UndoRecord::Erase());
     m_node->flags ^= Node::kErased;
+    data.spatial.changed(*m_node);
     data.events.tell(
         [&](OdDbDatabaseReactor& reactor) { reactor.objectErased(&data.database, this, erasing); });
     return eOk;
@@ -299,15 +322,41 @@ void ObjectAccess::detachFromDatabase(OdDbObject& object) {
     object.m_node = nullptr;
 }
 
+namespace {
+
+/// Raises OdError for an entity whose body the file of its drawing holds apart: in another drawing it would
+/// be empty.
+void refuseWithoutBody(const RawGroups& raw) {
+    constexpr int kSubclass = 100, kInlineBody = 1, kFirstXData = 1000;
+    bool isModel = false, whole = false;
+    forEachGroupIn(raw.span(), [&](const Group& group, const char*, const char*) {
+        isModel = isModel || (group.code == kSubclass && stripped(group.raw()) == "AcDbModelerGeometry");
+        whole = whole || (isModel && group.code == kInlineBody);
+        return group.code < kFirstXData;
+    });
+    if (isModel && !whole)
+        throw OdError(eNotApplicable, odText("a " + raw.kind() +
+                                             " has its body in a part of the file that can't be brought to "
+                                             "another drawing"));
+}
+
+} // namespace
+
 Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, Node* owner, bool asPart) {
     if (object.isDBRO()) throw OdError(eAlreadyInDatabase);
     const bool erased = object.isErased();
+    RawPointer copied;
+    const bool isStranger = object.m_raw != nullptr && object.m_raw->home() != data.identity;
     if (object.m_raw != nullptr) {
         if (kind == kKindNone || kind == kKindDictionary) kind = data.kinds.indexOf(object.m_raw->kind());
         if (object.m_raw->kind() != data.kinds.name(kind))
             ObjectAccess::setRaw(object, {}); // a text that was made of an attribute
-        else if (object.m_raw->home() != data.identity)
-            ObjectAccess::setRaw(object, withoutHandles(rawGroupsOf(object), data.identity));
+        else if (isStranger || data.clonersAtWork == 0)
+            copied = rawGroupsOf(object);
+        if (copied && isStranger) {
+            refuseWithoutBody(*copied.get());
+            ObjectAccess::setRaw(object, withoutHandles(copied, data.identity));
+        }
     }
     Node* const node = data.adopt(&object, kind);
     if (erased) node->flags |= Node::kErased;
@@ -321,9 +370,15 @@ Node* makeResident(DatabaseData& data, OdDbObject& object, std::uint16_t kind, N
     object.m_flags = static_cast<unsigned short>(
         (object.m_flags & ~OdDbObject::kErasedOutside) | OdDbObject::kWriteEnabled | OdDbObject::kModified |
         OdDbObject::kXDataRead | OdDbObject::kXDataChanged | OdDbObject::kNew | imaged);
+    data.pending.add(*node);
     if (object.m_xdata)
         for (const auto& entry : *object.m_xdata) registerApplication(data, entry.application);
     ObjectAccess::becomeResident(object);
+    data.spatial.came(*node, asPart);
+    if (copied && isStranger)
+        bringOwned(data, object, copied);
+    else if (copied)
+        copyOwned(data, object, copied);
     return node;
 }
 

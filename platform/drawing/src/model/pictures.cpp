@@ -13,8 +13,12 @@ bool isDimension(std::string_view kind) noexcept {
     return kind.ends_with("DIMENSION");
 }
 
+bool showsPicture(std::string_view kind) noexcept {
+    return isDimension(kind) || kind == "ACAD_TABLE";
+}
+
 Node* pictureBlock(const RawGroups& raw, const DatabaseData& data) {
-    if (!isDimension(raw.kind()) && raw.kind() != "ACAD_TABLE") return nullptr;
+    if (!showsPicture(raw.kind())) return nullptr;
     Node* block = nullptr;
     bool seen = false; // a table has texts under this code behind its block
     forEachName(raw.span(), raw.kind(), [&](int code, std::string_view bytes) {

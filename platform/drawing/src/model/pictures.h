@@ -13,6 +13,9 @@ namespace lm::drawing {
 /// Whether a kind is one of the kinds of dimensions.
 bool isDimension(std::string_view kind) noexcept;
 
+/// Whether entities of a kind show a picture: dimensions and tables.
+bool showsPicture(std::string_view kind) noexcept;
+
 /// The block that a dimension or a table names in a drawing; null for another kind, and when it isn't there.
 Node* pictureBlock(const RawGroups& raw, const DatabaseData& data);
 

@@ -92,12 +92,12 @@ bool isNameCode(std::string_view kind, int code) {
 } // namespace
 
 RawGroups::RawGroups(std::shared_ptr<const Source> source, const GroupSpan& span, std::string_view kind,
-                     std::shared_ptr<const char> home)
+                     std::shared_ptr<const Home> home)
     : m_form(std::move(source)), m_home(std::move(home)), m_begin(span.begin),
       m_size(static_cast<std::uint32_t>(span.size)), m_old(span.old), m_kind(kind) {}
 
 RawGroups::RawGroups(std::shared_ptr<const Source> form, const std::string& groups, bool old,
-                     std::string_view kind, std::shared_ptr<const char> home)
+                     std::string_view kind, std::shared_ptr<const Home> home)
     : m_form(std::move(form)), m_home(std::move(home)),
       m_own(std::make_unique<char[]>(groups.size() + kPadding)), m_begin(m_own.get()),
       m_size(static_cast<std::uint32_t>(groups.size())), m_old(old), m_kind(kind) {
@@ -127,6 +127,8 @@ RawPointer rawGroupsOf(const OdDbObject& object) {
 
 void ObjectAccess::setRaw(OdDbObject& object, RawPointer raw) {
     const RawPointer old(std::exchange(object.m_raw, raw.detach()));
+    const Node* const node = object.m_node;
+    if (node != nullptr && node->database() != nullptr) node->database()->data().spatial.changed(*node);
 }
 
 void forEachHandle(const GroupSpan& span, std::string_view kind,
@@ -206,7 +208,7 @@ std::shared_ptr<const Source> emptyLike(const Source& source) {
     return form;
 }
 
-RawPointer withoutHandles(const RawPointer& raw, std::shared_ptr<const char> home) {
+RawPointer withoutHandles(const RawPointer& raw, std::shared_ptr<const Home> home) {
     if (!raw) return {};
     const GroupTranslation none{[](const RawHandle&) { return std::uint64_t{0}; }, nullptr};
     return RawPointer(new RawGroups(emptyLike(*raw->form()), translatedGroups(raw->span(), raw->kind(), none),

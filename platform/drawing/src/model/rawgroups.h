@@ -37,6 +37,11 @@ struct GroupSpan {
     std::string_view bytes() const noexcept { return {begin, size}; }
 };
 
+/// What tells the databases of raw groups apart: groups with this mark hold handles of this database.
+struct Home {
+    DatabaseData* data; ///< null when the database has gone
+};
+
 /// Groups that an object carries along outside the file of its database. Never changed; counted, since copies
 /// and the images of the undo log share them.
 class RawGroups {
@@ -44,16 +49,16 @@ public:
     /// Groups inside a source, which stays in memory as long as they do. `kind` is the DXF name of the entry,
     /// `home` the identity of the database that the handles in the groups belong to.
     RawGroups(std::shared_ptr<const Source> source, const GroupSpan& span, std::string_view kind,
-              std::shared_ptr<const char> home);
+              std::shared_ptr<const Home> home);
     /// Groups of its own in the form of `form`.
     RawGroups(std::shared_ptr<const Source> form, const std::string& groups, bool old, std::string_view kind,
-              std::shared_ptr<const char> home);
+              std::shared_ptr<const Home> home);
     RawGroups(const RawGroups&) = delete;
     RawGroups& operator=(const RawGroups&) = delete;
 
     GroupSpan span() const noexcept { return {m_form.get(), m_begin, m_size, m_old}; }
     const std::shared_ptr<const Source>& form() const noexcept { return m_form; }
-    const std::shared_ptr<const char>& home() const noexcept { return m_home; }
+    const std::shared_ptr<const Home>& home() const noexcept { return m_home; }
     const std::string& kind() const noexcept { return m_kind; }
 
     void addRef() const noexcept { ++m_refs; }
@@ -64,7 +69,7 @@ public:
 private:
     ~RawGroups() = default;
     std::shared_ptr<const Source> m_form;
-    std::shared_ptr<const char> m_home;
+    std::shared_ptr<const Home> m_home;
     std::unique_ptr<char[]> m_own; ///< with the padding that cursors look into
     const char* m_begin;
     std::uint32_t m_size;
@@ -147,7 +152,7 @@ std::string translatedGroups(const GroupSpan& span, std::string_view kind,
 std::shared_ptr<const Source> emptyLike(const Source& source);
 
 /// Groups without any handle, for an object that leaves its database for another. Null for null.
-RawPointer withoutHandles(const RawPointer& raw, std::shared_ptr<const char> home = {});
+RawPointer withoutHandles(const RawPointer& raw, std::shared_ptr<const Home> home = {});
 
 /// Visits groups until `visit` answers false. `visit` gets the group, where it begins and where the next
 /// begins.

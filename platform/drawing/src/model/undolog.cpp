@@ -183,23 +183,30 @@ void UndoLog::swap(UndoRecord& record, bool back) {
         std::unique_ptr<OdDbObject> now(ObjectAccess::newState(body));
         ObjectAccess::takeState(body, *state->image);
         state->image = std::move(now);
-        ObjectAccess::clearPending(body);
+        ObjectAccess::clearPendingChange(body);
+        m_data.spatial.changed(*node);
     } else if (const auto* append = std::get_if<UndoRecord::Append>(&record.change)) {
         if (back) {
             if (append->asPart) detachPart(*node, append->previous);
             node->flags |= Node::kGone;
             m_data.handles.remove(node->handle, node);
+            m_data.spatial.left(*node, append->asPart);
             if (node->body != nullptr) ObjectAccess::clearPending(*node->body);
+            m_data.pending.dropHeld(*node);
         } else {
             if (append->asPart) node->owner->appendPart(node);
             node->flags &= static_cast<std::uint8_t>(~Node::kGone);
             m_data.handles.insert(node->handle, node);
+            m_data.spatial.came(*node, append->asPart);
         }
     } else if (std::holds_alternative<UndoRecord::Erase>(record.change)) {
         node->flags ^= Node::kErased;
+        m_data.spatial.changed(*node);
     } else if (const auto* name = std::get_if<UndoRecord::Name>(&record.change)) {
         auto& table = static_cast<OdDbSymbolTable&>(*m_data.bodyOf(node));
         ObjectAccess::setNamed(table, name->name, back ? name->before : name->after);
+        for (const Node* const record : {name->before, name->after})
+            if (record != nullptr) m_data.spatial.changed(*record);
     } else if (const auto* reference = std::get_if<UndoRecord::Reference>(&record.change)) {
         swapReference(node, *reference, back);
     } else if (const auto* entry = std::get_if<UndoRecord::Entry>(&record.change)) {
@@ -271,20 +278,6 @@ void UndoLog::tell(const std::vector<Told>& events) {
                     return reactor.modifyUndone(&m_data.database, object);
                 }
             });
-        } catch (...) {
-            if (!first) first = std::current_exception();
-        }
-    }
-    if (first) std::rethrow_exception(first);
-}
-
-void UndoLog::tellPending(std::size_t from) {
-    std::exception_ptr first;
-    for (std::size_t i = from; i < m_records.size(); ++i) { // callbacks may file further records
-        const Node* const node = m_records[i].node;
-        if (node == nullptr || node->body == nullptr) continue;
-        try {
-            ObjectAccess::tellClosed(*node->body);
         } catch (...) {
             if (!first) first = std::current_exception();
         }

@@ -91,9 +91,6 @@ public:
     bool endTransaction();
     void abortTransaction();
     unsigned int transactions() const noexcept { return static_cast<unsigned int>(m_transactions.size()); }
-    /// Tells reactors what objects changed since `from` would tell at their closing.
-    void tellPending(std::size_t from);
-    std::size_t outermostStart() const noexcept { return m_transactions.front().record; }
 
 private:
     struct Position {

@@ -54,6 +54,7 @@ void OdDbUnreadEntity::subBecomeResident() {
         Node* const entry = lm::drawing::makeResident(
             database()->data(), *part.get(), lm::drawing::entityKind(*part.get()), objectId().node(), true);
         entry->flags |= Node::kEntity;
+        database()->data().pending.hold(*objectId().node(), part);
     }
 }
 

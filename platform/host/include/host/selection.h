@@ -34,8 +34,8 @@ public:
     /// Touching counts. Whether a layer is frozen, off or locked isn't looked at, nor is the view. `filter`
     /// is null or a chain of records that must all fit: group 8 the layer's name, group 0 the DXF name, both
     /// exact; any other group fits nothing. At most `limit` entities are chosen, all with a negative one.
-    /// Gives RTNORM when something was chosen, else RTERROR, and the set is then left as it was. Costs one
-    /// walk over model space.
+    /// Gives RTNORM when something was chosen, else RTERROR, and the set is then left as it was. Costs what
+    /// the box touches: see partsNear, which measures model space at the first time.
     int crossing(const OdGePoint3d& first, const OdGePoint3d& second, const CHostView* view,
                  const hst_resbufW* filter, int limit = -1);
     /// As crossing, for entities whose extents lie in the box as a whole.
