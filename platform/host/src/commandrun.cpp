@@ -3,6 +3,8 @@
 #include "documentstate.h"
 #include "host/documentmanager.h"
 
+#include "drawing/telling.h"
+
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -60,6 +62,12 @@ public:
         while (m_database->numActiveTransactions() > m_transactions)
             first.run([&] { m_database->endTransaction(); });
     }
+    /// Tells of objects that the body, or whoever it gave them to, still holds: nothing of a command comes
+    /// behind its end. A transaction around the command tells of them at its own end.
+    static void tellWaiting(OdDbDatabase* database, FirstException& first) {
+        if (database != nullptr && database->numActiveTransactions() == 0)
+            first.run([&] { lm::drawing::tellWaiting(*database); });
+    }
     void takeBack(FirstException& first) {
         if (m_database == nullptr) return;
         while (m_database->numActiveTransactions() > m_transactions)
@@ -114,10 +122,12 @@ Outcome live(OdEdCommand& command, OdEdCommandContext& context, FirstException& 
     if (first.run([&] { stack.tell(&OdEdCommandStackReactor::commandWillStart, &command, &context); })) {
         BodyChanges changes(context.database(), command.kind());
         outcome = runBody(command, context, first);
-        if (outcome == Outcome::kEnded)
+        if (outcome == Outcome::kEnded) {
             changes.commit(first);
-        else
+            BodyChanges::tellWaiting(context.database(), first);
+        } else {
             changes.takeBack(first);
+        }
     }
     first.run([&] { stack.tell(callbackOf(outcome), &command, &context); });
     return outcome;

@@ -4,6 +4,8 @@
 #include "documentstate.h"
 #include "host/documentmanager.h"
 
+#include "drawing/telling.h"
+
 #include <utility>
 
 CHostDocument::CHostDocument(int number, std::unique_ptr<CHostDatabase> database)
@@ -47,7 +49,11 @@ lm::host::AnswerSource* CHostDocument::setAnswers(lm::host::AnswerSource* source
 }
 
 bool CHostDocument::isBusy() const {
-    return commandDepth() != 0 || isInUndoStep() || m_api->isEvaluating() || m_api->callDepth() != 0;
+    if (commandDepth() != 0 || isInUndoStep() || m_api->isEvaluating() || m_api->callDepth() != 0)
+        return true;
+    // Whoever changed an object, or opened a transaction, goes on with both when its reactors have returned.
+    return m_database != nullptr &&
+           (lm::drawing::isTelling(*m_database) || m_database->numActiveTransactions() != 0);
 }
 
 void CHostDocument::closeAfterCommand() {

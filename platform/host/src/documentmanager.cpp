@@ -58,6 +58,21 @@ CHostDocument* CHostDocumentManager::newDocumentWithoutDatabase() {
     return add(nullptr);
 }
 
+namespace {
+
+/// Takes back the transactions that somebody opened and, having raised, will never end.
+void abortTransactions(OdDbDatabase& database) noexcept {
+    for (unsigned int left = database.numActiveTransactions(); left > 0; --left) {
+        try {
+            database.abortTransaction();
+        } catch (...) {
+            // A reactor's failure on the way back tells nothing that the first one doesn't.
+        }
+    }
+}
+
+} // namespace
+
 CHostDocument* CHostDocumentManager::add(std::unique_ptr<CHostDatabase> database) {
     m_documents.push_back(
         std::unique_ptr<CHostDocument>(new CHostDocument(m_lastNumber + 1, std::move(database))));
@@ -67,6 +82,7 @@ CHostDocument* CHostDocumentManager::add(std::unique_ptr<CHostDatabase> database
         announce(document);
     } catch (...) {
         const std::exception_ptr cause = std::current_exception();
+        if (isOpen(document) && document->database() != nullptr) abortTransactions(*document->database());
         try {
             closeDocument(document);
         } catch (...) {

@@ -146,6 +146,24 @@ TEST(Commands, ThatFailTakeTheirBodyBackAndPassTheExceptionAfterTheCallback) {
     EXPECT_FALSE(drawing.document().isInUndoStep());
 }
 
+TEST(Commands, TellBeforeTheirEndOfObjectsThatAreStillHeld) {
+    for (const auto kind :
+         {OdEdCommand::kOrdinary, OdEdCommand::kManyTransactions, OdEdCommand::kOutsideUndo}) {
+        const Drawing drawing;
+        Events events;
+        const OdSmartPtr<OdDbLine> held(new OdDbLine, lm::drawing::kAttach);
+        run(
+            drawing.document(), "_X", [&](OdEdCommandContext&) { drawing.add(held); }, kind);
+        Lines lines = events.take();
+        std::erase(lines, "transactionEnded");
+        ASSERT_EQ(3u, lines.size()) << kind;
+        EXPECT_TRUE(lines[1].starts_with("objectAppended LINE")) << lines[1];
+        EXPECT_EQ("commandEnded _X", lines[2]);
+        held->downgradeOpen();
+        EXPECT_EQ(Lines(), events.take()) << "once";
+    }
+}
+
 TEST(Commands, LeaveNoTransactionOfTheirBodyOpen) {
     const Drawing drawing;
     run(drawing.document(), "_OPENED",

@@ -3,6 +3,7 @@
 #include "hostsupport.h"
 
 #include "drawing/alloc.h"
+#include "drawing/curves.h"
 #include "host/modulecallbacks.h"
 
 #include <gtest/gtest.h>
@@ -179,6 +180,67 @@ TEST(Documents, AreNotClosedDuringACall) {
     EXPECT_TRUE(documents.manager.closeDocument(document));
 }
 
+/// Tries to close a document in each event of its database and counts what it is told.
+struct Closer : OdDbDatabaseReactor, OdDbTransactionReactor {
+    explicit Closer(CHostDocument* which) : document(which) {
+        document->database()->addReactor(this);
+        document->database()->addTransactionReactor(this);
+    }
+    void objectAppended(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void objectOpenedForModify(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void objectModified(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void objectErased(const OdDbDatabase*, const OdDbObject*, bool) override { close(); }
+    void objectUnAppended(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void objectReAppended(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void modifyUndone(const OdDbDatabase*, const OdDbObject*) override { close(); }
+    void transactionEnded(OdDbDatabase*) override { close(); }
+    void close() {
+        ++told;
+        EXPECT_TRUE(document->isBusy());
+        EXPECT_FALSE(lm::host::documentManager().closeDocument(document));
+    }
+    CHostDocument* document;
+    int told = 0;
+};
+
+/// What is told goes on with the database afterwards, and so does who opened a transaction.
+TEST(Documents, AreNotClosedByWhomTheirDatabaseTells) {
+    Documents documents;
+    CHostDocument* const document = documents.manager.newDocument();
+    CHostDatabase& db = *document->database();
+    {
+        Closer first(document), second(document);
+        const OdSmartPtr<OdDbLine> line(new OdDbLine, lm::drawing::kAttach);
+        db.startTransaction();
+        EXPECT_FALSE(documents.manager.closeDocument(document));
+        OdSmartPtr<OdDbBlockTableRecord>(db.getModelSpaceId().openObject(OdDb::kForWrite))
+            ->appendOdDbEntity(line);
+        line->downgradeOpen();
+        db.endTransaction();
+        EXPECT_EQ(2, first.told) << "appended, and the transaction's end";
+        db.startUndoRecord();
+        line->upgradeOpen();
+        line->setEndPoint({1, 0, 0});
+        line->downgradeOpen();
+        EXPECT_EQ(4, first.told) << "opened and modified";
+        db.undo();
+        EXPECT_EQ(5, first.told) << "undone";
+        db.undo();
+        db.redo();
+        EXPECT_EQ(7, first.told) << "gone and back";
+        line->upgradeOpen();
+        line->erase();
+        EXPECT_EQ(8, first.told);
+        EXPECT_EQ(first.told, second.told);
+        EXPECT_FALSE(document->isBusy());
+        db.removeReactor(&first);
+        db.removeReactor(&second);
+        db.removeTransactionReactor(&first);
+        db.removeTransactionReactor(&second);
+    }
+    EXPECT_TRUE(documents.manager.closeDocument(document));
+}
+
 TEST(Documents, ReactorsCountOnceAndMayLeaveDuringACall) {
     Documents documents;
     Listener first, second;
@@ -241,6 +303,20 @@ TEST(Documents, AnExceptionWhileOpeningClosesAgainAndPasses) {
     EXPECT_EQ(0, documents.manager.documentCount());
     EXPECT_EQ(nullptr, ACTIVE_DOCUMENT());
     EXPECT_EQ("onActivated Attached Detached onDetached", behind.told);
+}
+
+TEST(Documents, AnExceptionWhileOpeningClosesWhateverTransactionsItLeaves) {
+    Documents documents;
+    Listener listener;
+    listener.also = [](const std::string& what, CHostDocument* document) {
+        if (what != "onReady") return;
+        document->database()->startTransaction();
+        document->database()->startTransaction();
+        throw std::runtime_error(what);
+    };
+    EXPECT_THROW(documents.manager.newDocument(), std::runtime_error);
+    EXPECT_EQ(0, documents.manager.documentCount());
+    EXPECT_EQ("onActivated Attached onAttached onReady Detached onDetached", listener.told);
 }
 
 TEST(Documents, AnExceptionWhileClosingPassesAfterAllWereTold) {

@@ -2,7 +2,12 @@
 // The commands that the host brings: what each does with its answers, and what it refuses.
 #include "commandsupport.h"
 
+#include "platform/drawing/dxf_writer.h"
+
+#include "drawing/report.h"
+
 #include <algorithm>
+#include <fstream>
 
 namespace {
 
@@ -388,6 +393,78 @@ TEST(SaveCommands, ThatFailLeaveTheDrawingModifiedAndItsNameAlone) {
     EXPECT_THROW(drawing.document().executeCommand("_SAVEAS", {Answer(path)}), OdError);
     EXPECT_TRUE(drawing.document().isModified());
     EXPECT_TRUE(drawing.document().fileName().isEmpty());
+}
+
+/// A reference to a block whose circle has an extension dictionary with one record.
+std::string symbolWithData() {
+    dxf::Parts parts;
+    parts.blockRecords = dxf::Parts::record("BLOCK_RECORD", "30", "1", "B");
+    parts.blocks =
+        dxf::Parts::block("B", "31", "30",
+                          "0 CIRCLE|5 35|102 {ACAD_XDICTIONARY|360 36|102 }|330 30|100 AcDbEntity|8 0|100 "
+                          "AcDbCircle|10 0.0|20 0.0|30 0.0|40 1.0");
+    parts.entities =
+        "0 INSERT|5 40|330 1F|100 AcDbEntity|8 0|100 AcDbBlockReference|2 B|10 5.0|20 5.0|30 0.0";
+    parts.objects = "0 DICTIONARY|5 36|330 35|100 AcDbDictionary|280 1|281 1|3 DATA|360 37|"
+                    "0 XRECORD|5 37|330 36|100 AcDbXrecord|280 1|1 kept";
+    return dxf::text(parts.groups());
+}
+
+/// How often a file holds the text of that record.
+std::size_t recordsIn(const std::string& path) {
+    std::ifstream file(path);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    std::size_t count = 0;
+    for (std::size_t at = bytes.find("kept"); at != std::string::npos; at = bytes.find("kept", at + 1))
+        ++count;
+    return count;
+}
+
+TEST(ExplodeCommand, PiecesKeepTheirDataWhenTheBlockIsPurged) {
+    const Drawing drawing;
+    const TemporaryFolder folder;
+    const std::string path = folder.file("symbol.dxf", symbolWithData()),
+                      out = (folder.path() / "out.dxf").string(),
+                      again = (folder.path() / "again.dxf").string();
+    CHostDocument* const document = drawing.manager().openDocument(odPath(path));
+    ASSERT_NE(nullptr, document);
+    document->executeCommand("_EXPLODE", {"L", ""});
+    document->executeCommand("_PURGE", {"A", "*", "N"});
+    document->executeCommand("_SAVEAS", {Answer(out)});
+    EXPECT_EQ(1u, recordsIn(out)) << "the piece's; the block has gone with its own";
+    document->executeCommand("_UNDO", {"2"});
+    document->executeCommand("_SAVEAS", {Answer(again)});
+    EXPECT_EQ(1u, recordsIn(again)) << "the block's; the piece has gone with its own";
+    CHostDocument* const read = drawing.manager().openDocument(odPath(out));
+    EXPECT_TRUE(read->database()->report().repairs().empty());
+}
+
+TEST(SaveCommands, RefuseAVersionThatIsNotKnown) {
+    const Drawing drawing;
+    const TemporaryFolder folder;
+    const std::string path = (folder.path() / "x.dxf").string();
+    for (const char* word : {"R1999", "r2017", "R14", "R20180"}) {
+        SCOPED_TRACE(word);
+        try {
+            drawing.document().executeCommand("_SAVEAS", {word, Answer(path)});
+            FAIL() << "must fail";
+        } catch (const CommandFailed& failure) {
+            EXPECT_EQ("unknown version \"" + std::string(word) +
+                          "\": one of R2000, R2004, R2007, R2010, R2013, R2018",
+                      failure.what());
+        }
+        EXPECT_FALSE(std::filesystem::exists(word)) << "taken for a file";
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_TRUE(drawing.document().fileName().isEmpty());
+    for (const char* name : {"R1999.dxf", "R", "R19x"}) {
+        const std::string file = (folder.path() / name).string();
+        drawing.document().executeCommand("_SAVEAS", {Answer(file)});
+        EXPECT_TRUE(std::filesystem::exists(file)) << file;
+    }
+    const std::string bare = (folder.path() / "R1999").string();
+    drawing.document().executeCommand("_SAVEAS", {Answer(bare)});
+    EXPECT_TRUE(std::filesystem::exists(bare)) << "with its folder it is a file";
 }
 
 TEST(RegenCommand, RegeneratesTheView) {

@@ -49,8 +49,8 @@ public:
     lm::host::AnswerSource* answers() const;
     /// Sets who answers questions that come outside of commands. Not owned; gives the source before.
     lm::host::AnswerSource* setAnswers(lm::host::AnswerSource* source);
-    /// Whether a command, an undo step of the user, an evaluation or a call by name is in progress: the
-    /// document can't be closed then.
+    /// Whether a command, an undo step of the user, an evaluation, a call by name or a transaction is in
+    /// progress, or reactors of the database are being told something: the document can't be closed then.
     bool isBusy() const;
     /// Has the document closed when the outermost command ends; at once when it isn't busy.
     void closeAfterCommand();

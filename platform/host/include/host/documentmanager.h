@@ -64,7 +64,7 @@ public:
     /// CHostDocument::isBusy), and for one that is closing already. An exception out of a reactor or module
     /// passes after the document has gone.
     bool closeDocument(CHostDocument* document);
-    /// Closes all documents, the latest first.
+    /// Closes all documents that aren't busy, the latest first.
     void closeAll();
 
 private:

@@ -2,8 +2,9 @@
 // Commands on chosen entities: _ERASE, _MOVE, _COPY, _EXPLODE.
 #include "hostcommands.h"
 
-#include "drawing/finite.h"
 #include "drawing/blockreference.h"
+#include "drawing/deepclone.h"
+#include "drawing/finite.h"
 
 #include <map>
 #include <set>
@@ -122,8 +123,9 @@ private:
     bool m_isOpen = true;
 };
 
-/// Copies one entity in a transaction of its own and enters the pairs into `all`. A copy that can't be moved
-/// would lie on what it was copied from: it is taken back and counted.
+/// Copies one entity in a transaction of its own and enters the pairs into `all`. Reactors hear of a copy
+/// when it is in its place. One that can't be moved would lie on what it was copied from: it is taken back
+/// and counted.
 void copyOne(OdDbDatabase& database, OdDbObjectId id, const OdGeVector3d& by, OdDbIdMapping& all,
              LeftOut& leftOut) {
     const OdSmartPtr<OdDbObject> source = id.openObject();
@@ -133,16 +135,16 @@ void copyOne(OdDbDatabase& database, OdDbObjectId id, const OdGeVector3d& by, Od
     pairs->setDestDb(&database);
     OdArray<OdDbObjectId> one;
     one.append(id);
-    database.deepCloneObjects(one, source->ownerId(), *pairs);
-    OdDbIdPair clone(id);
-    if (pairs->compute(clone)) {
+    bool isInPlace = true;
+    lm::drawing::deepCloneChanged(database, one, source->ownerId(), *pairs, [&] {
+        OdDbIdPair clone(id);
+        if (!pairs->compute(clone)) return;
         const OdSmartPtr<OdDbObject> opened = clone.value().openObject(OdDb::kForWrite);
         OdDbEntity* const entity = OdDbEntity::cast(opened.get());
-        if (entity != nullptr && !isMoved(*entity, OdGeMatrix3d::translation(by))) {
-            leftOut.add(*entity, id);
-            return;
-        }
-    }
+        isInPlace = entity == nullptr || isMoved(*entity, OdGeMatrix3d::translation(by));
+        if (!isInPlace) leftOut.add(*entity, id);
+    });
+    if (!isInPlace) return;
     for (const OdDbIdPair& each : pairs->pairs()) all.assign(each);
     transaction.commit();
 }

@@ -35,6 +35,13 @@ void save(OdEdCommandContext& context) {
     if (isNew) document.database()->setFilename(path);
 }
 
+/// Whether a word is made as the names of versions are: an R and digits. A file of such a name has a folder
+/// or an ending in its name.
+bool looksLikeVersion(const std::string& word) {
+    return word.size() > 1 && (word[0] == 'R' || word[0] == 'r') &&
+           word.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
 /// Asks for a version, BINARY or the file's name, until it has the name.
 void saveAs(OdEdCommandContext& context) {
     CHostDocument& document = documentOf(context);
@@ -46,6 +53,9 @@ void saveAs(OdEdCommandContext& context) {
         if (more) continue;
         more = lm::system::equalsNoCase(lm::system::fromUtf8(given), lm::system::widen("BINARY"));
         if (more) options.binary = true;
+        if (!more && looksLikeVersion(given))
+            throw CommandFailed("unknown version \"" + given +
+                                "\": one of R2000, R2004, R2007, R2010, R2013, R2018");
     }
     saveUnder(document, wideText(given), options);
     document.database()->setFilename(wideText(given));

@@ -19,7 +19,7 @@ std::string at(const CHostDocument* doc) {
     return " @" + std::to_string(doc->number());
 }
 
-class Attachment : public CadDrawing {
+class Attachment : public Symbols {
 protected:
     ~Attachment() override {
         CICommandStack::instance()->setProjectTest({});
@@ -164,6 +164,59 @@ TEST_F(Attachment, ReachesADocumentThatIsOpenedWhileItJoins) {
     EXPECT_THAT(follower.taken(), ElementsAre("entityAppended POINT" + at(opened)));
 }
 
+TEST_F(Attachment, JoinsTheCommandsBeforeItAttaches) {
+    Follower follower(m_document);
+    follower.once("cargaInicial", [&] { lm::host::runAsCommand(m_document, OdString("_X"), {}); });
+    follower.inicializar();
+    EXPECT_THAT(follower.taken(), ElementsAre("cargaInicial", "start _X", "ended _X"));
+}
+
+/// A module may have something to do of its own for each document.
+class Overriding : public CCReactorBase {
+public:
+    explicit Overriding(CHostDocumentManager& manager) : m_manager(manager) {}
+    ~Overriding() override { finalizar(); }
+    void DatabaseAttached(CHostDocument* doc) override {
+        note("attached", doc);
+        CCReactorBase::DatabaseAttached(doc);
+    }
+    void DatabaseDetached(CHostDocument* doc) override {
+        note("detached", doc);
+        if (const auto act = std::exchange(onDetached, nullptr)) act();
+        CCReactorBase::DatabaseDetached(doc);
+    }
+    Texts taken() { return std::exchange(m_events, {}); }
+    std::function<void()> onDetached;
+
+private:
+    /// With the numbers of reactors that the host has at this moment.
+    void note(const char* what, const CHostDocument* doc) {
+        m_events.push_back(what + at(doc) + " " + std::to_string(m_manager.reactorCount()) + " " +
+                           std::to_string(odedRegCmds()->reactorCount()));
+    }
+    CHostDocumentManager& m_manager;
+    Texts m_events;
+};
+
+TEST_F(Attachment, GoesThroughTheOverriddenOperations) {
+    ASSERT_EQ(m_manager.reactorCount(), 0u);
+    ASSERT_EQ(odedRegCmds()->reactorCount(), 0u);
+    CHostDocument* const second = m_manager.newDocument();
+    Overriding reactor(m_manager);
+    reactor.inicializar();
+    EXPECT_THAT(reactor.taken(),
+                ElementsAre("attached" + at(m_document) + " 1 1", "attached" + at(second) + " 1 1"))
+        << "it has joined both before";
+    CHostDocument* opened = nullptr;
+    reactor.onDetached = [&] { opened = m_manager.newDocument(); };
+    reactor.finalizar();
+    ASSERT_NE(opened, nullptr);
+    EXPECT_THAT(reactor.taken(),
+                ElementsAre("detached" + at(m_document) + " 0 0", "detached" + at(second) + " 0 0",
+                            "detached" + at(opened) + " 0 0"))
+        << "it has left both before, and what is opened meanwhile is let go as well";
+}
+
 TEST_F(Attachment, OutlivesADocumentThatIsClosedWhileItIsShown) {
     Follower follower;
     follower.once("cargaInicial" + at(m_document), [&] { EXPECT_TRUE(m_manager.closeDocument(m_document)); });
@@ -205,19 +258,86 @@ TEST_F(Attachment, OpensAndClosesOtherDocumentsOutOfEvents) {
     EXPECT_THAT(follower.taken(), ElementsAre("start _COPY", "begin", "end", "ended _COPY", "begin", "end"));
 }
 
-TEST_F(Attachment, OutlivesItsOwnDrawingThatIsClosedOutOfAnEvent) {
+/// A drawing that the tests below change, with a reference to follow.
+struct Changed {
+    explicit Changed(CHostDocument* document) : doc(document), db(*document->database()) {}
+    Reference open() const { return Reference(id.openObject(OdDb::kForWrite)); }
+    void turn() const { open()->setRotation(1); }
+    void run(const std::function<void()>& inside) const {
+        db.startTransaction();
+        inside();
+        db.endTransaction();
+    }
+    CHostDocument* doc;
+    CHostDatabase& db;
+    OdDbObjectId id;
+};
+
+/// Whoever changed an object goes on with it, and with its database, when the events were told. So a document
+/// that an event is about can't be closed in it, whichever phase it is and however many follow.
+TEST_F(Attachment, KeepsADrawingOpenWhileItsEventsAreTold) {
+    const struct {
+        const char* event;
+        std::function<void(const Changed&)> deed;
+    } kCases[] = {
+        {"blockAppended MOTOR", [](const Changed& in) { refer(in.db, in.open()->blockTableRecord()); }},
+        {"blockForModify MOTOR", [](const Changed& in) { in.turn(); }},
+        {"blockModified MOTOR", [](const Changed& in) { in.turn(); }},
+        {"blockErased MOTOR", [](const Changed& in) { erase(in.id); }},
+        {"blockAppended MOTOR",
+         [](const Changed& in) {
+             in.db.startUndoRecord();
+             erase(in.id);
+             in.db.undo();
+         }},
+        {"begin", [](const Changed& in) { in.run([] {}); }},
+        {"end", [](const Changed& in) { in.run([] {}); }},
+        {"blockModified MOTOR", // told at the end of the transaction: somebody holds the object
+         [](const Changed& in) {
+             Reference held;
+             in.run([&] { (held = in.open())->setRotation(1); });
+         }},
+    };
+    for (const int followers : {1, 2})
+        for (const auto& each : kCases) {
+            Changed in(m_manager.newDocument());
+            in.id = refer(in.db, blockIn(in.db, "MOTOR"));
+            Follower first(in.doc), second(in.doc);
+            first.inicializar();
+            if (followers == 2) second.inicializar();
+            int refusals = 0;
+            first.also = second.also = [&](const std::string& event) {
+                if (event == each.event) refusals += m_manager.closeDocument(in.doc) ? 0 : 1;
+            };
+            each.deed(in);
+            EXPECT_EQ(refusals, followers) << each.event;
+            first.also = second.also = nullptr;
+            ASSERT_EQ(m_manager.document(&in.db), in.doc) << each.event;
+            EXPECT_TRUE(m_manager.closeDocument(in.doc)) << "afterwards nothing is in the way";
+        }
+}
+
+TEST_F(Attachment, KeepsADrawingOpenThatHasATransaction) {
     Follower follower(m_document);
     follower.inicializar();
-    follower.taken();
-    const OdDbObjectId motor = block("MOTOR");
-    const Reference reference = place(motor);
-    reference->downgradeOpen();
-    reference->upgradeOpen();
-    follower.taken();
-    follower.once("blockModified MOTOR", [&] { EXPECT_TRUE(m_manager.closeDocument(m_document)); });
-    reference->setRotation(1);
-    reference->downgradeOpen();
-    EXPECT_THAT(follower.taken(), ElementsAre("blockForModify MOTOR", "blockModified MOTOR"));
+    m_db.startTransaction();
+    m_db.startTransaction();
+    addPoint(m_document);
+    EXPECT_FALSE(m_manager.closeDocument(m_document));
+    m_db.endTransaction();
+    EXPECT_FALSE(m_manager.closeDocument(m_document)) << "the outer one";
+    m_db.abortTransaction();
+    EXPECT_TRUE(m_manager.closeDocument(m_document));
+}
+
+TEST_F(Attachment, LetsADrawingCloseAgainWhenAnEventRaised) {
+    Follower follower(m_document);
+    follower.inicializar();
+    follower.once("entityAppended POINT", [] { throw OdError(OdString("broken")); });
+    const OdSmartPtr<OdDbPoint> made = make(new OdDbPoint);
+    append(m_db.getModelSpaceId(), made);
+    EXPECT_THROW(made->downgradeOpen(), OdError);
+    EXPECT_TRUE(m_manager.closeDocument(m_document));
 }
 
 TEST_F(Attachment, JoinsTheCommandsAloneInAHostWithoutServices) {

@@ -200,6 +200,19 @@ TEST_F(Classification, TellsAnObjectThatCameBackAsANewOne) {
     EXPECT_THAT(events(), ElementsAre("blockErased NAF-01", "ctoErased NAF-01", "plineErased LWPOLYLINE"));
 }
 
+TEST_F(Classification, TellsLayersAndAttributesThatCameBack) {
+    const auto comeBack = [](OdDbObjectId id) { id.openObject(OdDb::kForWrite, true)->erase(false); };
+    const OdDbObjectId page = layer("P1");
+    const OdDbObjectId tag = attributeOf(place(block("MOTOR"), {{"TAG", "1"}}), 0)->objectId();
+    erase(page);
+    erase(tag);
+    clear();
+    comeBack(page);
+    EXPECT_THAT(events(), ElementsAre("layerAppended P1", "entityAppended LAYER"));
+    comeBack(tag);
+    EXPECT_THAT(events(), ElementsAre("attAppended TAG", "entityAppended ATTRIB"));
+}
+
 TEST_F(Classification, TellsReturnsThroughTheOverriddenOperation) {
     struct Overriding : CCReactorBase {
         void objectAppended(const OdDbDatabase*, const OdDbObject*) override { ++calls; }
@@ -241,8 +254,21 @@ TEST_F(Classification, EndsWhereADerivedClassDoesNotCallTheDefault) {
     const OdDbObjectId id = place(block("NAF-01"))->objectId();
     EXPECT_THAT(events(), ElementsAre("blockDefined NAF-01", "entityAppended BLOCK_RECORD",
                                       "blockAppended NAF-01", "entityAppended INSERT"));
+    OdSmartPtr<OdDbBlockReference>(id.openObject(OdDb::kForWrite))->setRotation(1);
+    EXPECT_THAT(events(), ElementsAre("blockForModify NAF-01", "blockModified NAF-01"));
     erase(id);
     EXPECT_THAT(events(), ElementsAre("blockErased NAF-01"));
+}
+
+TEST_F(Classification, TellsNobodyOfTheRestWhenAnEventRaises) {
+    const Reference reference = place(block("NAF-01"));
+    reference->downgradeOpen();
+    clear();
+    for (const char* event : {"blockAppended NAF-01", "ctoAppended NAF-01"}) {
+        m_follower.once(event, [] { throw OdError(OdString("broken")); });
+        EXPECT_THROW(m_follower.objectAppended(&m_db, reference.get()), OdError);
+        EXPECT_EQ(events().back(), event);
+    }
 }
 
 TEST_F(Classification, GivesTheDocumentOfTheDatabaseAndNotTheActiveOne) {
@@ -327,15 +353,17 @@ TEST_F(Classification, HandsOutOneCountAndTakesItBack) {
     EXPECT_EQ(reference->numRefs(), before) << "on the way of an exception too";
 }
 
+/// A block whose name can't be read when it is armed.
+struct Unreadable : OdDbBlockTableRecord {
+    OdRxClass* isA() const override {
+        if (isArmed) throw OdError(OdString("broken"));
+        return OdDbBlockTableRecord::isA();
+    }
+    bool isArmed = false;
+};
+
 TEST_F(Classification, PassesOnWhatTheNameRaisesAfterItsReport) {
-    struct Raising : OdDbBlockTableRecord {
-        OdRxClass* isA() const override {
-            if (isArmed) throw OdError(OdString("broken"));
-            return OdDbBlockTableRecord::isA();
-        }
-        bool isArmed = false;
-    };
-    const OdSmartPtr<Raising> record = make(new Raising);
+    const OdSmartPtr<Unreadable> record = make(new Unreadable);
     const OdDbObjectId block = this->block(record, "NAF-01");
     const OdDbObjectId id = place(block)->objectId();
     m_follower.finalizar(); // the events' own notes read the name, too
@@ -346,6 +374,24 @@ TEST_F(Classification, PassesOnWhatTheNameRaisesAfterItsReport) {
     EXPECT_THROW(reactor.objectModified(&m_db, object.get()), OdError);
     record->isArmed = false;
     EXPECT_THAT(linesOf(log), ElementsAre("CICad::GetNomeBloco : broken"));
+}
+
+/// Names cost more than classes, and most references of a drawing stand in blocks.
+TEST_F(Classification, ReadsNoNameOutsideModelSpace) {
+    const OdSmartPtr<Unreadable> record = make(new Unreadable);
+    const OdDbObjectId block = this->block(record, "NAF-01");
+    const OdDbObjectId id = place(block, {}, "0", m_db.getPaperSpaceId())->objectId();
+    m_follower.finalizar();
+    CCReactorBase reactor;
+    const OdSmartPtr<OdDbObject> object = id.openObject();
+    const lm::test::LogCapture log;
+    record->isArmed = true;
+    EXPECT_NO_THROW(reactor.objectAppended(&m_db, object.get()));
+    EXPECT_NO_THROW(reactor.objectOpenedForModify(&m_db, object.get()));
+    EXPECT_NO_THROW(reactor.objectModified(&m_db, object.get()));
+    EXPECT_NO_THROW(reactor.objectErased(&m_db, object.get(), true));
+    record->isArmed = false;
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST_F(Classification, GivesNoTextForAnAttributeThatIsNotThere) {

@@ -235,6 +235,65 @@ TEST_F(CommandTracking, HoldsTheQueueBackUntilTheOuterOfTwoCopiesEnds) {
     EXPECT_FALSE(isAlive(id));
 }
 
+/// A module may override what the end of a copy calls; no database stands behind that call.
+TEST_F(CommandTracking, EndsACopyThroughTheOverriddenOperationWithoutADatabase) {
+    struct Overriding : CCReactorBase {
+        void transactionEnded(OdDbDatabase* database) override { told.push_back(database); }
+        std::vector<OdDbDatabase*> told;
+    } reactor;
+    for (const End& each : m_ends) {
+        Named copy("_COPY", &m_db);
+        (reactor.*each.call)(copy.command, &copy.context);
+        EXPECT_THAT(std::exchange(reactor.told, {}), ElementsAre(nullptr)) << each.event;
+    }
+}
+
+TEST_F(CommandTracking, HoldsTheQueuesOfAllDocumentsBack) {
+    CHostDocument* const other = m_documents.manager.newDocument();
+    call(m_start, "_COPY", &m_db);
+    const OdDbObjectId id = point(*other->database());
+    m_follower.addObjectsToErase(id);
+    other->database()->startTransaction();
+    other->database()->endTransaction();
+    EXPECT_TRUE(isAlive(id)) << "one stack of commands for all documents";
+    call(m_ends[0].call, "_COPY", &m_db);
+    EXPECT_FALSE(isAlive(id));
+}
+
+TEST_F(CommandTracking, LeavesTheQueueWhenTheEventOfACopyRaises) {
+    for (const End& each : m_ends) {
+        start("_COPY");
+        const OdDbObjectId erased = eraseNow(point()), queued = point();
+        m_follower.addObjectsToErase(queued);
+        clear();
+        const std::string ended = std::string(each.event) + " _COPY";
+        m_follower.once(ended, [] { throw OdError(OdString("broken")); });
+        EXPECT_THROW(call(each.call, "_COPY"), OdError);
+        EXPECT_THAT(events(), ElementsAre(ended));
+        EXPECT_TRUE(isAlive(queued));
+        EXPECT_EQ(depth(), 0) << "all that comes before the event is done";
+        EXPECT_FALSE(isUserErased(erased));
+        m_follower.transactionEnded(&m_db);
+        EXPECT_FALSE(isAlive(queued));
+    }
+}
+
+TEST_F(CommandTracking, AsksAgainBehindTheEventOfACopy) {
+    for (const End& each : m_ends) {
+        start("_COPY");
+        const OdDbObjectId queued = point();
+        m_follower.addObjectsToErase(queued);
+        clear();
+        const std::string ended = std::string(each.event) + " _COPY";
+        m_follower.once(ended, [&] { setNoProject(true); });
+        call(each.call, "_COPY");
+        EXPECT_THAT(events(), ElementsAre(ended)) << "it is no project any more";
+        EXPECT_TRUE(isAlive(queued));
+        setNoProject(false);
+        m_follower.transactionEnded(&m_db);
+    }
+}
+
 // --- Drawings that are no projects ---
 
 TEST_F(CommandTracking, PassesOverADrawingThatIsNoProject) {
@@ -316,6 +375,36 @@ TEST_F(CommandTracking, PassesOnWhatAnEventRaises) {
     EXPECT_THROW(end("_A"), OdError);
     EXPECT_EQ(depth(), 0);
     EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CommandTracking, PassesOnWhatTheProjectTestRaises) {
+    start("_A");
+    const OdDbObjectId erased = eraseNow(point()), queued = point(), other = point();
+    m_follower.addObjectsToErase(queued);
+    setNoProject(true); // a variable that is set takes memory to be read
+    clear();
+    Named named("_A", &m_db);
+    std::vector<std::function<void()>> calls = {
+        [&] { m_follower.commandWillStart(named.command, &named.context); },
+        [&] { m_follower.transactionEnded(&m_db); },
+        [&] { m_follower.addObjectsToErase(other); },
+    };
+    for (const End& each : m_ends)
+        calls.push_back([&] { (m_follower.*each.call)(named.command, &named.context); });
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const lm::test::LogCapture log;
+        lm::drawing::failAllocationAfter(0);
+        EXPECT_THROW(calls[i](), std::bad_alloc) << i;
+        lm::drawing::failAllocationAfter(-1);
+        EXPECT_THAT(linesOf(log), ElementsAre(testing::StartsWith("CICad::GetVarBool : "))) << i;
+    }
+    EXPECT_THAT(events(), IsEmpty());
+    EXPECT_EQ(active(), "_A");
+    EXPECT_TRUE(isUserErased(erased));
+    setNoProject(false);
+    m_follower.transactionEnded(&m_db);
+    EXPECT_FALSE(isAlive(queued));
+    EXPECT_TRUE(isAlive(other)) << "it was never queued";
 }
 
 // --- With the commands of the host ---

@@ -72,6 +72,35 @@ TEST_F(Sequences, OfErasingAndItsUndoHaveNothingOfTheAttributes) {
     EXPECT_THAT(events(), ElementsAre("blockAppended INS-1", "insAppended INS-1", "entityAppended INSERT"));
 }
 
+/// Who hears of a copy finds it where it will stay, and hears of it once.
+TEST_F(Sequences, OfACopiedReferenceShowItInItsPlace) {
+    const OdDbObjectId contact = block("NAF-01", {{"TAG", "", ""}, {"PIN", "", ""}});
+    const Reference source = place(contact, {{"TAG", "K1"}, {"PIN", "2"}});
+    source->setPosition({1, 2, 0});
+    OdSmartPtr<OdDbAttribute>(attributeOf(source, 0)->objectId().openObject(OdDb::kForWrite))
+        ->setPosition({3, 4, 0});
+    source->downgradeOpen();
+    const OdDbObjectId id = source->objectId();
+    clear();
+    std::string found;
+    m_follower.once("ctoAppended NAF-01", [&] {
+        const auto space = OdSmartPtr<OdDbBlockTableRecord>(m_db.getModelSpaceId().openObject());
+        OdSmartPtr<OdDbEntity> last;
+        for (const auto walk = space->newIterator(); !walk->done(); walk->step()) last = walk->entity();
+        const Reference copy(last);
+        found = told(copy->position()) + " " + told(attributeOf(copy, 0)->position()) + " " +
+                plain(m_follower.getAtt("PIN", copy));
+    });
+    m_document->executeCommand(OdString("_COPY"),
+                               {lm::host::Answer(id), lm::host::Answer(""), lm::host::Answer("0,0"),
+                                lm::host::Answer("100,200"), lm::host::Answer("")});
+    EXPECT_EQ(found, "101,202,0 103,204,0 2");
+    EXPECT_THAT(events(),
+                ElementsAre("start _COPY", "attAppended TAG", "entityAppended ATTRIB", "attAppended PIN",
+                            "entityAppended ATTRIB", "blockAppended NAF-01", "ctoAppended NAF-01",
+                            "entityAppended INSERT", "begin", "end", "ended _COPY", "begin", "end"));
+}
+
 TEST_F(Sequences, OfAnErasedDefinitionAreNone) {
     const OdDbObjectId motor = block("MOTOR");
     append(motor, make(new OdDbPolyline));
