@@ -248,7 +248,8 @@ public:
     /// Places a block in model space, on a layer that is made when it isn't there. A block that the drawing
     /// has is taken as it stands, and the file isn't looked at. When it has none and the file gives none, the
     /// result is a reference to no block. Null without model space. The reference is open for write, and
-    /// reactors hear of it when the caller lets it go. `rotacao` in radians; scale 1.
+    /// reactors hear of it when the caller lets it go. `rotacao` in radians; scale 1. A block that shows
+    /// model space raises OdError: model space can't contain itself.
     OdSmartPtr<OdDbBlockReference> InserirBloco(RZString arquivo, RZString nome, RZString layer, float x,
                                                 float y, float z, float rotacao);
     /// Gives a reference an attribute for each definition of a block that isn't constant, with the default
@@ -256,7 +257,8 @@ public:
     /// call doubles them. The reference must be open for write. Always 0; a null `btrId` adds nothing.
     int CriarAtributos(RZID btrId, OdSmartPtr<OdDbBlockReference> ref);
     /// Loads a symbol file as a block. The null id for a missing file, a refused one, and a name that is
-    /// empty or taken. One that can't be read, or be moved to its base point as a whole, raises OdError.
+    /// empty or taken. One that can't be read, or be moved to its base point as a whole, raises OdError. One
+    /// by which a block would come to contain itself is refused like one with named blocks.
     RZID carregaBTR(RZString nome, RZString arquivo);
     /// The definitions of a block by its name, which is loaded from a symbol file when the drawing lacks it:
     /// as for the block's record, or 2, with `lista` as it was, when there is no such block.
@@ -278,7 +280,9 @@ public:
     /// symbol file. A block that the drawing lacks is made. One that is there stays the same object, with its
     /// handle and name, gets new entities and the origin (0, 0, 0); its references, in any owner, keep their
     /// place, layer and extended data and get new attributes, with the values and the invisibility that the
-    /// attributes of these tags had. False for a refused file, a null drawing, and a name that can't be made.
+    /// attributes of these tags had. False for a refused file, a null drawing, and a name that can't be made;
+    /// also, with the line of a refused file, when the block would come to contain itself by way of blocks
+    /// inside: these are the drawing's own where it has their names.
     /// A file that is missing, can't be read or moved raises OdError. A failure on the way leaves it half
     /// done: callers bracket the call in an undo group.
     bool RedefinirBloco(RZString arquivo, RZString nome);
@@ -486,10 +490,10 @@ public:
     /// The unit of an angle; any other value than degrees means radians.
     enum enTipoAngulo : int { kRadianos = 0, kGraus = 1 };
 
-    /// The box of an entity in plain x and y, for the classes that occur in a schematic: references,
-    /// polylines by their vertices, lines, circles, ellipses as if they were circles of the major axis, and,
-    /// only when `completo` (full) is true, texts. False, with the outputs as they were, for null, any other
-    /// class, a polyline without vertices, and a text that isn't wanted.
+    /// The box of an entity in plain x and y of the drawing, for the classes that occur in a schematic:
+    /// references, polylines by vertices, lines, circles, ellipses as if they were circles of the major axis,
+    /// and, only when `completo` (full) is true, texts. False, with the outputs as they were, for null, any
+    /// other class, a polyline without vertices, and a text that isn't wanted.
     ///
     /// A reference has the box of its block, scaled and moved but not turned, and the attributes' boxes too
     /// when `completo` is true. Two oddities belong to it: the box reaches from the values that the caller

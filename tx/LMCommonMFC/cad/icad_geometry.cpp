@@ -49,9 +49,25 @@ void add(MaybeBox& all, const OdGePoint3d& point) {
     add(all, around(point, 0));
 }
 
+/// From the coordinates that an object keeps its points in to those of the drawing, in which views and
+/// selections work. They are the same unless the object is mirrored or leans.
+class ToDrawing {
+public:
+    explicit ToDrawing(const OdGeVector3d& normal)
+        : m_isSame(normal.x == 0 && normal.y == 0 && normal.z > 0),
+          m_matrix(m_isSame ? OdGeMatrix3d() : OdGeMatrix3d::planeToWorld(normal)) {}
+    /// Where they are the same, points stay bit by bit as they are.
+    OdGePoint3d operator()(const OdGePoint3d& point) const { return m_isSame ? point : m_matrix * point; }
+
+private:
+    bool m_isSame;
+    OdGeMatrix3d m_matrix;
+};
+
 MaybeBox boxOfPolyline(const OdDbPolyline& line) {
+    const ToDrawing toDrawing(line.normal());
     MaybeBox box;
-    for (unsigned int i = 0; i < line.numVerts(); ++i) add(box, line.getPointAt(i));
+    for (unsigned int i = 0; i < line.numVerts(); ++i) add(box, toDrawing(line.getPointAt(i)));
     return box;
 }
 
@@ -64,8 +80,9 @@ MaybeBox boxOfLine(const OdDbLine& line) {
 MaybeBox boxOfText(const OdDbText& text) {
     OdArray<OdGePoint3d> corners;
     text.getBoundingPoints(corners);
+    const ToDrawing toDrawing(text.normal());
     MaybeBox box;
-    for (const OdGePoint3d& corner : corners) add(box, corner);
+    for (const OdGePoint3d& corner : corners) add(box, toDrawing(corner));
     return box;
 }
 
@@ -74,7 +91,7 @@ MaybeBox boxOfShape(const OdDbEntity& entity, bool withTexts) {
     if (const auto* const polyline = OdDbPolyline::cast(&entity)) return boxOfPolyline(*polyline);
     if (const auto* const line = OdDbLine::cast(&entity)) return boxOfLine(*line);
     if (const auto* const circle = OdDbCircle::cast(&entity))
-        return around(circle->center(), circle->radius());
+        return around(ToDrawing(circle->normal())(circle->center()), circle->radius());
     if (const auto* const ellipse = OdDbEllipse::cast(&entity))
         return around(ellipse->center(), ellipse->majorAxis().length());
     if (const auto* const text = OdDbText::cast(&entity); text != nullptr && withTexts)
@@ -165,7 +182,8 @@ bool BoxFinder::ofReference(const OdDbBlockReference& ref, Box& box, bool isFull
         box.widen(
             {scale.sx * local->xMax, scale.sx * local->xMin, scale.sy * local->yMax, scale.sy * local->yMin});
     }
-    const OdGePoint3d position = ref.position();
+    // A mirrored reference is moved to where it stands, as one that is turned, and nothing more.
+    const OdGePoint3d position = ToDrawing(ref.normal())(ref.position());
     box = {box.xMax + position.x, box.xMin + position.x, box.yMax + position.y, box.yMin + position.y};
     bool found = local.has_value();
     if (!isFull) return found;

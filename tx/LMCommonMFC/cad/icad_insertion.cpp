@@ -2,10 +2,21 @@
 // Symbols into the drawing: references with fresh attributes, and references turned into plain geometry.
 #include "arguments.h"
 #include "cad/icad_detail.h"
+#include "cad/icad_symbols.h"
 #include "log.h"
 
 #include "drawing/attributeplace.h"
 #include "host/database.h"
+
+namespace {
+
+/// Whether a block is a space or shows it, so that a reference in that space would show itself.
+bool showsSpace(OdDbObjectId block, const OdDbBlockTableRecord& space) {
+    if (block == space.objectId()) return true;
+    return !space.getBlockReferenceIds().isEmpty() && lm::cad::shows(block, space.objectId());
+}
+
+} // namespace
 
 OdSmartPtr<OdDbBlockReference> CICad::InserirBloco(RZString arquivo, RZString nome, RZString layer, float x,
                                                    float y, float z, float rotacao) {
@@ -16,6 +27,7 @@ OdSmartPtr<OdDbBlockReference> CICad::InserirBloco(RZString arquivo, RZString no
         if (!ExisteLayer(layer, getDatabase())) CriarLayer(layer, getDatabase());
         const OdSmartPtr<OdDbBlockTableRecord> space = lm::cad::openModelSpace(OdDb::kForWrite);
         if (space.isNull()) return {};
+        if (showsSpace(id, *space)) throw OdError(eInvalidInput);
         const OdSmartPtr<OdDbBlockReference> ref(new OdDbBlockReference(), lm::drawing::kAttach);
         ref->setPosition(OdGePoint3d(x, y, z));
         ref->setBlockTableRecord(id);

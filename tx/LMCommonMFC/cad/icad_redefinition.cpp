@@ -88,11 +88,20 @@ bool CICad::RedefinirBloco(OdSmartPtr<OdDbDatabase> db, RZString nome) {
     return lm::log::guarded("CICad::RedefinirBloco", [&] {
         RZID block;
         if (!ExisteBloco(nome, block, getDatabase()))
-            return !db.isNull() && lm::cad::insertSymbol(nome, *db).isValid();
+            return !db.isNull() && lm::cad::insertSymbol(nome, *db, nome).isValid();
+        if (db.isNull()) return false;
+        const lm::cad::KnownBlocks before(*getDatabase());
         const RZString temporary = freeName();
-        RedefinirBloco(db, temporary);
+        // A call of its own for the log, in which the user's name for the block isn't lost.
+        lm::log::guarded("CICad::RedefinirBloco", [&] { lm::cad::insertSymbol(temporary, *db, nome); });
         RZID content;
         if (!ExisteBloco(temporary, content, getDatabase())) return false;
+        // Blocks inside a symbol are those of the drawing that bear their names, and so may show this one.
+        if (lm::cad::shows(content, block)) {
+            before.eraseOthers();
+            lm::cad::tellOfCircle(nome, *db);
+            return false;
+        }
         takeContent(block, content);
         renewReferences(*this, block);
         return true;

@@ -13,6 +13,8 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <vector>
 
 using lm::cad::openModelSpace;
@@ -38,29 +40,48 @@ bool moveOriginToZero(OdDbBlockTableRecord& block) {
     return true;
 }
 
-using Ids = std::vector<OdDbObjectId>;
-
-Ids blocksOf(const OdDbDatabase& db) {
-    const OdSmartPtr<OdDbSymbolTable> table(db.getBlockTableId().openObject());
-    Ids ids;
-    if (table.isNull()) return ids;
-    const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
-    for (; !walk->done(); walk->step()) ids.push_back(walk->getRecordId());
+/// The blocks that a block shows itself, one for each live reference.
+std::vector<OdDbObjectId> shownIn(OdDbObjectId block) {
+    const OdSmartPtr<OdDbBlockTableRecord> record(block.openObject());
+    std::vector<OdDbObjectId> ids;
+    if (record.isNull()) return ids;
+    const OdSmartPtr<OdDbObjectIterator> walk = record->newIterator();
+    for (; !walk->done(); walk->step()) {
+        const OdSmartPtr<OdDbEntity> entity = walk->entity();
+        if (const auto* const ref = OdDbBlockReference::cast(entity.get()))
+            ids.push_back(ref->blockTableRecord());
+    }
     return ids;
 }
 
-/// Erases the blocks that weren't there before, with what is in them.
-void eraseNewBlocks(const OdDbDatabase& db, const Ids& before) {
-    Ids added;
-    for (const OdDbObjectId id : blocksOf(db))
-        if (std::find(before.begin(), before.end(), id) == before.end()) added.push_back(id);
-    // All references first: a block that is in use isn't given up.
-    for (const OdDbObjectId id : added) {
-        const OdSmartPtr<OdDbBlockTableRecord> block(id.openObject());
-        const OdSmartPtr<OdDbObjectIterator> walk = block->newIterator();
-        for (; !walk->done(); walk->step()) walk->objectId().openObject(OdDb::kForWrite)->erase(true);
+/// Whether a new block, or a new one in it, contains itself: what the drawing had before can't contain what
+/// came now. With a stack of its own, as blocks nest as deep as they like.
+bool containsItself(OdDbObjectId block, const lm::cad::KnownBlocks& before) {
+    struct Step {
+        OdDbObjectId block;
+        std::vector<OdDbObjectId> due;
+    };
+    std::map<OdDbObjectId, bool> isOpen{{block, true}};
+    std::vector<Step> path;
+    path.push_back({block, shownIn(block)});
+    while (!path.empty()) {
+        Step& top = path.back();
+        if (top.due.empty()) {
+            isOpen[top.block] = false;
+            path.pop_back();
+            continue;
+        }
+        const OdDbObjectId inner = top.due.back();
+        top.due.pop_back();
+        const auto [place, isNew] = isOpen.try_emplace(inner, true);
+        if (!isNew && place->second) return true;
+        if (!isNew) continue;
+        if (before.has(inner))
+            place->second = false;
+        else
+            path.push_back({inner, shownIn(inner)});
     }
-    for (const OdDbObjectId id : added) id.openObject(OdDb::kForWrite)->erase(true);
+    return false;
 }
 
 /// Whether model space holds a reference to anything but an anonymous block.
@@ -78,6 +99,9 @@ bool holdsNamedBlocks(const OdDbDatabase& db) {
     return false;
 }
 
+constexpr char kManyLayers[] = "Invalid block error - Block with multiple layers: ",
+               kBlocksInside[] = "Invalid block error - Block containing blocks: ";
+
 void tellRefusal(const char* message, const RZString& name, RZString& path) {
     // Paths are put together from parts that may each bring a separator.
     path.replace("\\\\", "\\");
@@ -87,6 +111,55 @@ void tellRefusal(const char* message, const RZString& name, RZString& path) {
 
 } // namespace
 
+lm::cad::KnownBlocks::KnownBlocks(const OdDbDatabase& db) : m_db(db), m_ids(blocksOf(db)) {
+    std::sort(m_ids.begin(), m_ids.end());
+}
+
+std::vector<OdDbObjectId> lm::cad::KnownBlocks::blocksOf(const OdDbDatabase& db) {
+    const OdSmartPtr<OdDbSymbolTable> table(db.getBlockTableId().openObject());
+    std::vector<OdDbObjectId> ids;
+    if (table.isNull()) return ids;
+    const OdSmartPtr<OdDbSymbolTableIterator> walk = table->newIterator();
+    for (; !walk->done(); walk->step()) ids.push_back(walk->getRecordId());
+    return ids;
+}
+
+bool lm::cad::KnownBlocks::has(OdDbObjectId block) const {
+    return std::binary_search(m_ids.begin(), m_ids.end(), block);
+}
+
+void lm::cad::KnownBlocks::eraseOthers() const {
+    std::vector<OdDbObjectId> added;
+    for (const OdDbObjectId id : blocksOf(m_db))
+        if (!has(id)) added.push_back(id);
+    // All references first: a block that is in use isn't given up.
+    for (const OdDbObjectId id : added) {
+        const OdSmartPtr<OdDbBlockTableRecord> block(id.openObject());
+        const OdSmartPtr<OdDbObjectIterator> walk = block->newIterator();
+        for (; !walk->done(); walk->step()) walk->objectId().openObject(OdDb::kForWrite)->erase(true);
+    }
+    for (const OdDbObjectId id : added) id.openObject(OdDb::kForWrite)->erase(true);
+}
+
+bool lm::cad::shows(OdDbObjectId outer, OdDbObjectId inner) {
+    std::set<OdDbObjectId> seen{outer};
+    std::vector<OdDbObjectId> due{outer};
+    while (!due.empty()) {
+        const OdDbObjectId block = due.back();
+        due.pop_back();
+        for (const OdDbObjectId id : shownIn(block)) {
+            if (id == inner) return true;
+            if (seen.insert(id).second) due.push_back(id);
+        }
+    }
+    return false;
+}
+
+void lm::cad::tellOfCircle(const RZString& name, const OdDbDatabase& source) {
+    RZString path(source.getFilename());
+    tellRefusal(kBlocksInside, name, path);
+}
+
 OdSmartPtr<CHostDatabase> lm::cad::readSymbolFile(const RZString& path) {
     CHostSystemServices* const services = GetHostSystemServices();
     if (services == nullptr) return {};
@@ -95,27 +168,32 @@ OdSmartPtr<CHostDatabase> lm::cad::readSymbolFile(const RZString& path) {
     return services->readFile(path, kConvertCodePage, kPartialLoad, kShared, OdString());
 }
 
-OdDbObjectId lm::cad::insertSymbol(const RZString& name, OdDbDatabase& source) {
+OdDbObjectId lm::cad::insertSymbol(const RZString& name, OdDbDatabase& source, const RZString& told) {
     CHostDatabase* const db = getDatabase();
     if (db == nullptr) return OdDbObjectId::kNull;
-    const Ids before = blocksOf(*db);
+    const KnownBlocks before(*db);
     const OdDbObjectId id = db->insert(name, &source, true);
     if (!id.isValid()) return OdDbObjectId::kNull;
+    if (containsItself(id, before)) {
+        before.eraseOthers();
+        tellOfCircle(told, source);
+        return OdDbObjectId::kNull;
+    }
     if (moveOriginToZero(*OdSmartPtr<OdDbBlockTableRecord>(id.openObject(OdDb::kForWrite)))) return id;
-    eraseNewBlocks(*db, before);
-    const CHostString told("the symbol holds an entity that can't be moved to its origin");
-    throw OdError(eNotApplicable, OdString(told.view()));
+    before.eraseOthers();
+    const CHostString why("the symbol holds an entity that can't be moved to its origin");
+    throw OdError(eNotApplicable, OdString(why.view()));
 }
 
 bool CICad::canInsert(OdSmartPtr<OdDbDatabase> db, RZString nome, RZString caminho) {
     return lm::log::guarded("CICad::canInsert", [&] {
         if (db.isNull()) return false;
         if (GetLayers(db).count() > 1) {
-            tellRefusal("Invalid block error - Block with multiple layers: ", nome, caminho);
+            tellRefusal(kManyLayers, nome, caminho);
             return false;
         }
         if (holdsNamedBlocks(*db)) {
-            tellRefusal("Invalid block error - Block containing blocks: ", nome, caminho);
+            tellRefusal(kBlocksInside, nome, caminho);
             return false;
         }
         return true;
@@ -126,7 +204,7 @@ RZID CICad::carregaBTR(RZString nome, RZString arquivo) {
     if (!FileExists(arquivo)) return RZID();
     const OdSmartPtr<CHostDatabase> db = lm::cad::readSymbolFile(arquivo);
     if (!canInsert(db, nome, arquivo)) return RZID();
-    return lm::cad::insertSymbol(nome, *db);
+    return lm::cad::insertSymbol(nome, *db, nome);
 }
 
 int CICad::SearchAttributes(RZString arquivo, RZString nome, CEListaAtributos*& lista) {

@@ -115,6 +115,40 @@ TEST_F(Boxes, OfShapes) {
             EXPECT_EQ(boxFrom({50, -50, 60, -60}, each.entity, full), each.box) << each.what;
 }
 
+template<class T>
+OdSmartPtr<T> facing(const OdGeVector3d& normal, const OdSmartPtr<T>& entity) {
+    entity->setNormal(normal);
+    return entity;
+}
+
+/// Objects keep their points in coordinates of their own when they were mirrored or lean; boxes are of the
+/// drawing, where views and selections are.
+TEST_F(Boxes, OfMirroredShapesLieWhereTheyAreSeen) {
+    const OdGeVector3d back(0, 0, -1), aside(1, 0, 0);
+    const OdDbObjectId symbol = blockOf("S", {line(-1, -2, 3, 4)});
+    const OdSmartPtr<OdDbCircle> leaning = facing(aside, circle(10, 5, 1));
+    leaning->setCenter({10, 5, 3});
+    const struct {
+        const char* what;
+        OdSmartPtr<OdDbEntity> entity;
+        const char* box;
+    } kCases[] = {
+        {"a circle", facing(back, circle(10, 5, 1)), "true -9 -11 6 4"},
+        {"a circle that leans", leaning, "true 4 2 11 9"},
+        {"a polyline", facing(back, polyline({{1, 9}, {5, 2}})), "true -1 -5 9 2"},
+        {"a text", facing(back, text<OdDbText>(1, 2)), "true -1 -31 12 2"},
+        {"an attribute", facing(back, text<OdDbAttribute>(1, 2)), "true -1 -31 12 2"},
+        {"an ellipse, which has no others", facing(back, ellipse(1, 2, {3, 4, 0}, 0.1)), "true 6 -4 7 -3"},
+    };
+    for (const auto& each : kCases) EXPECT_EQ(boxOf(each.entity, true), each.box) << each.what;
+    EXPECT_EQ(boxOf(facing(back, at(100, 200, symbol))), "true -97 -101 204 198")
+        << "moved there, and not turned, as with any rotation";
+    const Reference reference = facing(back, at(100, 200, block("EMPTY")));
+    reference->appendAttribute(facing(back, text<OdDbAttribute>(90, 195)));
+    EXPECT_EQ(boxOf(reference, true), "true -90 -120 205 195");
+    EXPECT_EQ(boxOfBlock(blockOf("M", {facing(back, circle(10, 5, 1))})), "true -9 -11 6 4");
+}
+
 TEST_F(Boxes, OfTextsAreWantedOrNot) {
     const OdSmartPtr<OdDbEntity> texts[] = {text<OdDbText>(1, 2), text<OdDbAttribute>(1, 2),
                                             text<OdDbAttributeDefinition>(1, 2)};
@@ -308,6 +342,15 @@ TEST_F(SingleObjects, ArePointsAtTheOriginOfModelSpace) {
     const auto walk = OdSmartPtr<OdDbBlockTableRecord>(m_db.getModelSpaceId().openObject())->newIterator();
     EXPECT_EQ(OdDbPoint::cast(walk->entity().get())->position(), OdGePoint3d());
     EXPECT_FALSE(walk->entity()->isWriteEnabled());
+}
+
+TEST_F(SingleObjects, ArePointsOfTheDatabaseThatWorkGoesTo) {
+    CHostDatabase side;
+    setDatabase(&side);
+    EXPECT_EQ(m_cad.CriarPonto("0"), 0);
+    setDatabase(nullptr);
+    EXPECT_THAT(entitiesOf(side.getModelSpaceId()), ElementsAre("POINT 0"));
+    EXPECT_THAT(entitiesOf(m_db.getModelSpaceId()), IsEmpty());
 }
 
 TEST_F(SingleObjects, CanBeTheCarrierOfTheSettings) {

@@ -4,6 +4,8 @@
 
 #include "drawing/abstractview.h"
 
+#include <cmath>
+
 namespace {
 
 using namespace lm::tests;
@@ -167,6 +169,38 @@ TEST_F(GoingTo, AnObjectOfAnotherDrawingShowsNoPageOfThis) {
     EXPECT_EQ(plain(m_cad.GetLayerCorrente(&db)), "0");
 }
 
+/// Pages and the zoom are those of the drawing that work goes to; the view alone is the object's.
+TEST_F(GoingTo, AnObjectOfAnotherDrawingOnLayerZeroThawsTheOneHere) {
+    CHostDocument* const other = m_documents.manager.newDocument();
+    CHostDatabase& db = *other->database();
+    const OdSmartPtr<OdDbLine> line = make(new OdDbLine);
+    line->setEndPoint({10, 20, 0});
+    append(db.getModelSpaceId(), line);
+    m_cad.CongelaLayer("0");
+    m_documents.manager.setActiveDocument(m_document);
+    m_cad.CongelaLayer("0");
+    go(line->objectId());
+    EXPECT_FALSE(isFrozen("0"));
+    const OdSmartPtr<OdDbLayerTableRecord> there(db.getLayerZeroId().openObject());
+    EXPECT_TRUE(there->isFrozen());
+    EXPECT_EQ(viewportOf(db), "4.95,9.9 12.1x24.2");
+}
+
+TEST_F(GoingTo, AnObjectOfAnotherDrawingWithoutABoxZoomsHere) {
+    frameAt(100, 100, "0");
+    CHostDocument* const other = m_documents.manager.newDocument();
+    CHostDatabase& db = *other->database();
+    append(db.getModelSpaceId(), make(new OdDbLine));
+    const OdDbObjectId target = append(db.getModelSpaceId(), make(new OdDbPoint));
+    m_documents.manager.setActiveDocument(m_document);
+    const std::string there = viewportOf(db);
+    go(target, true);
+    EXPECT_EQ(viewport(), "105,105 10x10");
+    EXPECT_EQ(viewportOf(db), there);
+    EXPECT_EQ(redrawings(), 1u);
+    EXPECT_THAT(selected(), ElementsAre(target));
+}
+
 TEST_F(GoingTo, ADrawingWithoutAViewportIsPassedOver) {
     const OdDbObjectId target = on("P1");
     erase(m_db.GetActiveViewportId());
@@ -215,6 +249,43 @@ TEST_F(GoingTo, SmallObjectsGetRoomByHeightAndByWidth) {
     // 0.9 wide is more than 1.0 with its border: 0.99 + 0.099 = 1.089.
     go(lineFrom({0, 0, 0}, {0.9, 0.8, 0}, "P1"));
     EXPECT_EQ(viewport(), "0.4455,0.396 1.089x1.968") << "the border counts before the room";
+}
+
+/// Less than 1.0 gets room, and 1.0 doesn't.
+TEST_F(GoingTo, AnObjectOfExactlyOneGetsNoRoom) {
+    const auto widened = [](double low, double high) {
+        high += (high - low) * 0.1;
+        low -= (high - low) * 0.1;
+        return high - low;
+    };
+    double low = 0, high = 0;
+    for (int base = 0; base < 1000 && widened(low, high) != 1.0; ++base) {
+        low = base / 1000.0;
+        high = low + 1 / 1.21;
+        for (int step = 0; step < 8; ++step) high = std::nextafter(high, 0);
+        for (int step = 0; step < 16 && widened(low, high) != 1.0; ++step) high = std::nextafter(high, 10);
+    }
+    ASSERT_EQ(widened(low, high), 1.0) << "bit for bit";
+    go(lineFrom({0, low, 0}, {10, high, 0}, "P1"));
+    const OdSmartPtr<OdDbViewportTableRecord> record(m_db.GetActiveViewportId().openObject());
+    EXPECT_EQ(record->height(), 1.0);
+    go(lineFrom({low, 0, 0}, {high, 10, 0}, "P1"));
+    EXPECT_EQ(record->width(), 1.0);
+}
+
+/// A circle that was mirrored keeps its centre in coordinates of its own.
+TEST_F(GoingTo, MirroredObjectsAreShownWhereTheyStand) {
+    const OdDbObjectId target = entityOn<OdDbCircle>("P1");
+    {
+        const OdSmartPtr<OdDbCircle> circle(target.openObject(OdDb::kForWrite));
+        circle->setNormal({0, 0, -1});
+        circle->setCenter({10, 5, 0});
+        circle->setRadius(5);
+    }
+    m_cad.MostrarPagina("P1", true);
+    EXPECT_EQ(viewport(), "-10,5 10x10") << "as the zoom sees it";
+    go(target);
+    EXPECT_EQ(viewport(), "-10.05,4.95 12.1x12.1");
 }
 
 TEST_F(GoingTo, ReferencesAreMeasuredWithTheirAttributes) {
@@ -275,6 +346,25 @@ TEST_F(GoingTo, MeasuresAfterTheModuleWasCalled) {
     m_onCall = [&] { OdSmartPtr<OdDbLine>(target.openObject(OdDb::kForWrite))->setEndPoint({20, 10, 0}); };
     go(target);
     EXPECT_EQ(viewport(), "9.9,4.95 24.2x12.1");
+}
+
+TEST_F(GoingTo, TheModuleMayEraseTheObject) {
+    const OdDbObjectId target = on("P1");
+    m_onCall = [&] { erase(target); };
+    go(target);
+    EXPECT_EQ(viewport(), "4.95,4.95 12.1x12.1") << "it is shown where it was";
+    EXPECT_THAT(selected(), ElementsAre(target));
+}
+
+TEST_F(GoingTo, TheModuleMayOpenADocument) {
+    const OdDbObjectId target = on("P1");
+    CHostDocument* opened = nullptr;
+    m_onCall = [&] { opened = m_documents.manager.newDocument(); };
+    go(target);
+    ASSERT_EQ(ACTIVE_DOCUMENT(), opened);
+    EXPECT_EQ(viewport(), "4.95,4.95 12.1x12.1") << "in the drawing of the object";
+    EXPECT_NE(viewportOf(*opened->database()), viewport());
+    EXPECT_THAT(selected(), ElementsAre(target));
 }
 
 TEST_F(GoingTo, ReplacesTheCurrentSelection) {

@@ -99,6 +99,29 @@ TEST_F(VirtualAttributes, ReadAnEmptyValueAsOneBlank) {
     EXPECT_EQ(single({"\f\f1\fN"}, " "), " ||1") << "an empty tag too, behind another separator";
 }
 
+/// A value can't hold the separator; where one does, separators in a row are a blank field like an empty
+/// value.
+TEST_F(VirtualAttributes, FallApartAtSeparatorsInARowInsideAValue) {
+    struct Row {
+        const char* line;
+        const char* single;
+    };
+    const Row rows[] = {
+        {"A\f1\f\f2\fS", "A||1"},   // five fields: A, 1, a blank, 2, S
+        {"A\f1\f\f\f2\fS", "A||1"}, // three in a row: the third falls together with the second
+        {"A\f1\f\fS", "A||1"},      // at the value's end: the blank stands for the flag
+        {"A\f\f1\fS", "A|| "},      // at its beginning: the blank is the value
+        {"A\f\f\f\fS", "A|| "},     // four in a row are two blanks
+        {"A\f\f\f\f\fS", "A|| "},   // and so are five
+        {"A\f1\f\f2\f\fS\fS", "A||1"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(single({row.line}, "A"), row.single) << row.line;
+        EXPECT_THAT(list({row.line, "B\f2\fN"}), ElementsAre("B||2")) << row.line;
+        EXPECT_THAT(inBlock({row.line, "B\f2\fN"}, {"A", "B"}), ElementsAre("null", "B||2")) << row.line;
+    }
+}
+
 TEST_F(VirtualAttributes, PassOverTheApplicationsNameAsItIsSpelled) {
     const Texts lines = {"TVO_RZ_ATT_VIRTUAL", "tvo_rz_att_virtual"};
     EXPECT_EQ(single(lines, "TVO_RZ_ATT_VIRTUAL"), "null");

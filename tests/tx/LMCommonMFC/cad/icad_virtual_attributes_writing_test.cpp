@@ -108,6 +108,13 @@ TEST_F(VirtualWriting, OfATagThatBeginsTheApplicationsNameCopiesTheLinesToAnothe
     }
 }
 
+TEST_F(VirtualWriting, EscapesNoSeparatorsOfAValue) {
+    EXPECT_THAT(updated({"A\f0\fN"}, "A", "1\f\f2", true), ElementsAre("A\f1\f\f2\fS"));
+    EXPECT_THAT(updated({"A\f1\f\f2\fS"}, "A", "3", true), ElementsAre("A\f3\fS")) << "found and mended";
+    EXPECT_THAT(replaced({}, {{"A", "\f\f"}, {"B", "1\f", true}}, false),
+                ElementsAre("A\f\f\f\fN", "B\f1\f\fS"));
+}
+
 TEST_F(VirtualWriting, FindsItemsOfAnyKindAndKeepsTheirCodes) {
     const OdDbObjectId id = carrier({"A\f1\fN"});
     OdSmartPtr<OdResBuf> chain = id.openObject()->xData(od(kApplication));

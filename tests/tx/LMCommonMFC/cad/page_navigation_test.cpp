@@ -73,6 +73,9 @@ TEST_F(Showing, LeavesTheStampOutForCoversAndIndexes) {
         EXPECT_EQ(m_cad.MostrarPaginaPDF(rz(page), false), 0);
         EXPECT_THAT(shown(), ElementsAre("0", page, page + "$DE", page + "$FORMATO"));
     }
+    m_cad.setPaginaCapa("P2");
+    EXPECT_EQ(m_cad.MostrarPagina("P2", false), 0);
+    EXPECT_THAT(shown(), ElementsAre("0", "P2", "P2$DE", "P2$FORMATO")) << "one that is both";
 }
 
 TEST_F(Showing, TakesTheHeadUpToTheFirstMark) {
@@ -182,6 +185,56 @@ TEST_F(Showing, WorksOnTheDatabaseThatWorkGoesTo) {
     setDatabase(nullptr);
     EXPECT_EQ(current(), "0");
     EXPECT_EQ(redrawings(), 1u) << "of the active document all the same";
+}
+
+TEST_F(Showing, ShowsInASeriesAndErasesInTheDatabaseThatWorkGoesTo) {
+    CHostDatabase side;
+    for (const char* name : {"S1", "S2", "P1"}) m_cad.CriarLayer(name, &side);
+    m_cad.MostrarPagina("P2", false);
+    const OdDbObjectId here = frameAt(0, 0, "P1");
+    const Texts before = shown();
+    setDatabase(&side);
+    EXPECT_EQ(m_cad.MostrarPaginaPDF("S1", false), 0);
+    EXPECT_EQ(plain(m_cad.GetLayerCorrente(&side)), "S1");
+    EXPECT_EQ(m_cad.MostrarPaginaPDF("S2", false), 0);
+    const OdSmartPtr<OdDbSymbolTable> layers(side.getLayerTableId().openObject());
+    const OdSmartPtr<OdDbLayerTableRecord> first(layers->getAt(od("S1")).openObject());
+    EXPECT_TRUE(first->isFrozen()) << "it was shown there";
+    EXPECT_EQ(m_cad.MostrarPaginaPDF("P2", false), 1);
+    m_cad.ApagarPagina("P1");
+    EXPECT_FALSE(m_cad.ExisteLayer("P1", &side));
+    EXPECT_EQ(plain(m_cad.GetLayerCorrente(&side)), "0");
+    setDatabase(nullptr);
+    EXPECT_EQ(shown(), before);
+    EXPECT_EQ(current(), "P2");
+    EXPECT_TRUE(m_cad.ExisteLayer("P1", &m_db));
+    EXPECT_FALSE(here.isErased());
+}
+
+/// Pages are shown layer by layer, and each layer has events, in which the drawing can't be closed: the next
+/// layer is due.
+TEST_F(Showing, StaysOpenWhoeverWantsItClosedInAnEvent) {
+    const OdDbObjectId there = frameAt(0, 0, "P2");
+    for (const bool isAlone : {true, false}) {
+        if (!isAlone) m_documents.manager.newDocument();
+        m_documents.manager.setActiveDocument(m_document);
+        Recorder recorder(m_db);
+        std::size_t refusals = 0;
+        recorder.armed = [&] { refusals += m_documents.manager.closeDocument(m_document) ? 0 : 1; };
+        EXPECT_EQ(m_cad.MostrarPagina("P1", true), 0);
+        EXPECT_THAT(shown(), ElementsAre("0", "P1", "P1$DE", "P1$FORMATO", "P1$SELO"));
+        EXPECT_EQ(m_cad.MostrarPaginaPDF("P2", true), 0);
+        EXPECT_THAT(shown(), ElementsAre("0", "P2", "P2$DE", "P2$FORMATO", "P2$SELO"));
+        m_cad.IrPara(there, true, 1);
+        if (!isAlone) m_cad.ApagarPagina("P2");
+        const Texts told = recorder.taken();
+        EXPECT_EQ(refusals, told.size());
+        EXPECT_GT(told.size(), 30u);
+    }
+    EXPECT_TRUE(there.isErased());
+    EXPECT_FALSE(m_cad.ExisteLayer("P2", &m_db));
+    EXPECT_EQ(current(), "0");
+    EXPECT_TRUE(m_documents.manager.closeDocument(m_document));
 }
 
 TEST_F(Showing, NeedsADatabase) {
@@ -364,6 +417,11 @@ TEST_F(Showing, LispIsEvaluatedInTheActiveDocument) {
     EXPECT_EQ(plain(m_cad.GetVarStr("S", "", m_document)), "página Ω");
     EXPECT_TRUE(m_cad.ExecutaFuncaoCad(""));
     EXPECT_EQ(console.text(), "") << "as one expression that prints nothing";
+    CHostDocument* const second = m_documents.manager.newDocument();
+    EXPECT_EQ(m_cad.GetVarInt("N", 0, second), 0);
+    EXPECT_TRUE(m_cad.ExecutaFuncaoCad("(setq N 6)"));
+    EXPECT_EQ(m_cad.GetVarInt("N", 0, second), 6);
+    EXPECT_EQ(m_cad.GetVarInt("N", 0, m_document), 5) << "each document has variables of its own";
 }
 
 TEST_F(Showing, LispThatIsWrongIsNoFailure) {

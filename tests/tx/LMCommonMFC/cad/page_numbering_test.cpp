@@ -270,6 +270,14 @@ TEST_F(PageNumbering, IsReadFromTheDatabaseGivenAndWrittenToTheCurrentOne) {
     EXPECT_EQ(m_cad.GetNumeracaoPaginas(nullptr), 0) << "and no document";
 }
 
+TEST_F(PageNumbering, AsksTheVariableOfTheActiveDocument) {
+    variable("*NUMERAR_POR_PROJ*", "S");
+    CHostDocument* const other = m_documents.manager.newDocument();
+    EXPECT_EQ(m_cad.GetNumeracaoPaginas(&m_db), 0) << "not of the one that the database belongs to";
+    m_documents.manager.setActiveDocument(m_document);
+    EXPECT_EQ(m_cad.GetNumeracaoPaginas(other->database()), 1);
+}
+
 TEST_F(PageNumbering, RaisesNoEventWhenReadAndThoseOfTheCarrierWhenWritten) {
     point();
     settingsPoint("RZ_NUM_PAG", {"5"});
@@ -360,6 +368,13 @@ TEST_F(PageNumbers, AreWidenedWithZeros) {
         variable("*QTD_JUSTIFY_PAG*", each.width);
         EXPECT_EQ(plain(m_cad.FormataNumeroPagina(each.number)), each.text) << each.width;
     }
+    variable("*QTD_JUSTIFY_PAG*", "3");
+    CHostDocument* const other = m_documents.manager.newDocument();
+    EXPECT_EQ(plain(m_cad.FormataNumeroPagina(7)), "7") << "unset in this document";
+    m_cad.SetVarStr("*QTD_JUSTIFY_PAG*", "5", other);
+    setDatabase(&m_db);
+    EXPECT_EQ(plain(m_cad.FormataNumeroPagina(7)), "00007") << "of the active one, wherever work goes to";
+    setDatabase(nullptr);
     m_documents.manager.closeAll();
     EXPECT_EQ(plain(m_cad.FormataNumeroPagina(7)), "7") << "no document";
 }

@@ -166,6 +166,18 @@ TEST_F(PageOrder, OfPanelsGoesWhereTheFirstRecordSays) {
     EXPECT_EQ(panels(), "1001:TVO_RZ_PAINEL 1000:P");
 }
 
+TEST_F(PageOrder, OfPanelsNeedsAnIdInFront) {
+    const OdDbObjectId carrier = settingsPoint("RZ_ORDEM_GRU", {"5"});
+    const std::string before = data(carrier);
+    const OdSmartPtr<OdResBuf> chain = OdResBuf::newRb(1000, od("P"));
+    const lm::test::LogCapture log;
+    EXPECT_THROW(m_cad.SetPaineisDefinidos(chain), OdError);
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_NE(log.lines()[0].find("} CICad::SetPaineisDefinidos : "), std::string::npos);
+    EXPECT_EQ(data(carrier), before);
+    EXPECT_TRUE(isRegistered("TVO_RZ_PAINEL")) << "that came before";
+}
+
 TEST_F(PageOrder, OfPanelsIsKeptForANullChain) {
     settingsPoint("TVO_RZ_PAINEL", {"P"});
     Recorder recorder(m_db);

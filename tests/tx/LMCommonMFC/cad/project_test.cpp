@@ -212,6 +212,29 @@ TEST_F(Project, NamesItsConfigurationByTheVariable) {
     EXPECT_EQ(plain(m_cad.GetCfgProjeto()), "iec.cfg");
 }
 
+TEST_F(Project, IsThatOfTheDatabaseThatWorkGoesTo) {
+    const OdDbObjectId here = settingsPoint();
+    variable("CFG_NOME", "iec");
+    CHostDatabase side;
+    side.setFilename(od("/projects/side.dxf"));
+    setDatabase(&side);
+    m_cad.CriarLayer("RZ_FREEZE", &side);
+    m_cad.CriarPonto("RZ_FREEZE");
+    m_cad.SetCfgProjeto("a.cfg");
+    EXPECT_EQ(plain(m_cad.GetCfgProjeto()), "a.cfg");
+    m_cad.SetCfgProjeto();
+    EXPECT_EQ(plain(m_cad.GetCfgProjeto()), "iec.cfg") << "named by the active document";
+    m_cad.setVersaoProjeto("1");
+    EXPECT_EQ(version(), "9.9.9");
+    EXPECT_EQ(plain(m_cad.GetPathArquivo()), "/projects/");
+    setDatabase(nullptr);
+    EXPECT_EQ(data(here), "null");
+    EXPECT_EQ(plain(m_cad.GetCfgProjeto()), "");
+    EXPECT_TRUE(holder().isNull());
+    EXPECT_FALSE(isRegistered("TVO_RZ_CFG"));
+    EXPECT_EQ(plain(m_cad.GetPathArquivo()), "");
+}
+
 TEST_F(Project, ReadsTheFirstConfigurationAndWritesOnTheFirstCarrier) {
     layer("rz_freeze");
     give(entityOn("rz_freeze"), "TVO_RZ_CFG", {"no"});
@@ -431,6 +454,19 @@ TEST_F(NormKey, OfARepresentationIsLookedUpInTheCurrentDatabase) {
     setDatabase(&bare);
     EXPECT_EQ(key(object), "X|Y") << "unknown there";
     setDatabase(nullptr);
+}
+
+TEST_F(NormKey, RegistersItsIdsInTheDatabaseThatWorkGoesTo) {
+    const OdDbObjectId object = point();
+    const Texts ids = recordsOf(m_db.getRegAppTableId());
+    CHostDatabase side;
+    setDatabase(&side);
+    EXPECT_EQ(key(object), kNothing);
+    setDatabase(nullptr);
+    EXPECT_EQ(recordsOf(m_db.getRegAppTableId()), ids) << "not in the drawing that the object belongs to";
+    for (const char* id : {"TVO_RZ", "TVO_RZ_UNIFILAR", "TVO_LAYOUT_PAINEL", "TVO_RZ_REPRESENTACAO_KEY",
+                           "TVO_RZ_REPRESENTACAO"})
+        EXPECT_TRUE(isRegistered(id, &side)) << id;
 }
 
 TEST_F(NormKey, IsReadFromObjectsThatAreOpenForReading) {

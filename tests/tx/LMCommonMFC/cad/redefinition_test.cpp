@@ -512,6 +512,29 @@ TEST_F(Redefinition, PurgingWorksOnTheGivenDrawing) {
     m_cad.PurgeBlocks(OdSmartPtr<OdDbDatabase>(make(new OdDbDatabase(OdDbDatabase::kNothing))));
 }
 
+/// The erased record of the temporary block and what stood in it count as nothing: neither are they erased
+/// again, nor do they keep a block in use.
+TEST_F(Redefinition, PurgingPassesOverTheErasedTemporaryBlock) {
+    placed(oldBlock());
+    const Source db = symbol();
+    refer(*db, blockIn(*db, "INNER"));
+    ASSERT_TRUE(m_cad.RedefinirBloco(db, "MOTOR"));
+    Recorder recorder(m_db);
+    m_cad.PurgeBlocks(OdSmartPtr<OdDbDatabase>(&m_db));
+    EXPECT_THAT(recorder.taken(), IsEmpty());
+    EXPECT_THAT(blocks(), ElementsAre("*Model_Space", "*Paper_Space", "MOTOR", "INNER"));
+    ASSERT_TRUE(redefine());
+    recorder.taken();
+    undoBlockBegin(&m_db);
+    m_cad.PurgeBlocks(OdSmartPtr<OdDbDatabase>(&m_db));
+    undoBlockEnd(&m_db);
+    EXPECT_THAT(recorder.taken(), ElementsAre("erased BLOCK_RECORD INNER"))
+        << "shown by erased entities alone, of the old content and of two temporary blocks";
+    EXPECT_THAT(blocks(), ElementsAre("*Model_Space", "*Paper_Space", "MOTOR"));
+    ASSERT_TRUE(m_db.undo());
+    EXPECT_THAT(blocks(), ElementsAre("*Model_Space", "*Paper_Space", "MOTOR", "INNER"));
+}
+
 TEST_F(Redefinition, PurgingTellsOfTheErasedBlocks) {
     block("UNUSED");
     Recorder recorder(m_db);

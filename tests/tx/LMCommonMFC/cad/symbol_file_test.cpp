@@ -160,6 +160,13 @@ TEST_F(SymbolFile, MayShowAnonymousBlocks) {
     EXPECT_EQ(entitiesOf(id).size(), 3u);
 }
 
+TEST_F(SymbolFile, MayHoldReferencesToAnonymousBlocksAlone) {
+    const Source db = drawing();
+    refer(*db, blockIn(*db, "*U1"));
+    refer(*db, blockIn(*db, "*X2"));
+    EXPECT_TRUE(m_cad.carregaBTR("MOTOR", file("motor.dxf", *db)).isValid());
+}
+
 TEST_F(SymbolFile, IsRefusedForAReferenceWithoutABlock) {
     const Source nothing = symbol(), erased = symbol();
     refer(*nothing, OdDbObjectId());
@@ -302,6 +309,41 @@ TEST_F(ToLayerZero, KeepsTheLayersOfEntitiesInBlocksAndLayouts) {
     EXPECT_THAT(told(m_cad.GetLayers(&m_db)), ElementsAre("0", "INNER", "PAPER"));
     EXPECT_EQ(plain(CHostString(OdSmartPtr<OdDbEntity>(line.openObject())->layer())), "INNER");
     EXPECT_EQ(plain(CHostString(OdSmartPtr<OdDbEntity>(onPaper.openObject())->layer())), "PAPER");
+}
+
+TEST_F(ToLayerZero, PassesOverErasedObjectsWhichHoldNoLayer) {
+    const OdDbObjectId pages[] = {layer("P1"), layer("P2"), layer("P3"), layer("P4"), layer("GONE")};
+    const auto put = [](OdDbObjectId id, OdDbObjectId layer) {
+        OdSmartPtr<OdDbEntity>(id.openObject(OdDb::kForWrite))->setLayer(layer);
+    };
+    const auto layerOf = [](OdDbObjectId id) {
+        return plain(CHostString(OdSmartPtr<OdDbEntity>(id.openObject(OdDb::kForRead, true))->layer()));
+    };
+    const OdDbObjectId motor = block("B");
+    const OdDbObjectId line = this->line(m_db.getModelSpaceId(), {0, 0, 0}, {1, 0, 0});
+    const OdDbObjectId live = place(motor, {{"A", "1"}, {"B", "2"}}, "P4")->objectId();
+    const OdDbObjectId gone = place(motor, {{"C", "3"}}, "P4")->objectId();
+    const OdDbObjectId erasedAttribute = attributeOf(openReference(live), 0)->objectId();
+    const OdDbObjectId attribute = attributeOf(openReference(live), 1)->objectId();
+    const OdDbObjectId ofErased = attributeOf(openReference(gone), 0)->objectId();
+    put(line, pages[0]);
+    put(erasedAttribute, pages[1]);
+    put(ofErased, pages[2]);
+    for (const OdDbObjectId id : {line, erasedAttribute, gone, pages[4]}) erase(id);
+    const std::string before = dumpOf(m_db);
+    Recorder recorder(m_db);
+    undoBlockBegin(&m_db);
+    m_cad.tudoParaLayerZero(current());
+    undoBlockEnd(&m_db);
+    EXPECT_THAT(recorder.taken(),
+                ElementsAre("opened INSERT", "opened ATTRIB", "modified ATTRIB", "modified INSERT",
+                            "erased LAYER P1", "erased LAYER P2", "erased LAYER P3", "erased LAYER P4"));
+    EXPECT_THAT(told(m_cad.GetLayers(&m_db)), ElementsAre("0"));
+    EXPECT_EQ(layerOf(live) + layerOf(attribute), "00");
+    EXPECT_EQ(layerOf(line) + layerOf(erasedAttribute) + layerOf(ofErased) + layerOf(gone), "P1P2P3P4");
+    for (const OdDbObjectId id : {line, erasedAttribute, gone, pages[4]}) EXPECT_TRUE(id.isErased());
+    ASSERT_TRUE(m_db.undo());
+    EXPECT_EQ(dumpOf(m_db), before);
 }
 
 TEST_F(ToLayerZero, ThawsInTheCurrentDrawingAndChangesTheOther) {
