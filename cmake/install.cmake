@@ -23,7 +23,17 @@ install(DIRECTORY "${CMAKE_SOURCE_DIR}/tx/LMCommonMFC/" DESTINATION "include/LMC
         PATTERN "icad_carrier.h" EXCLUDE
         PATTERN "icad_detail.h" EXCLUDE
         PATTERN "reactor/documents.h" EXCLUDE
-        PATTERN "ceheap.h" EXCLUDE)
+        PATTERN "xmlfile.h" EXCLUDE
+        PATTERN "xmllevels.h" EXCLUDE
+        PATTERN "ceheap.h" EXCLUDE
+        PATTERN "partscan.h" EXCLUDE
+        PATTERN "workbook.h" EXCLUDE
+        PATTERN "workbookguard.h" EXCLUDE)
+
+if(LM_WINDOWS)
+    set_target_properties(lm_host_windows PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS lm_host_windows EXPORT LMCommonMFCTargets LIBRARY DESTINATION "lib")
+endif()
 
 install(EXPORT LMCommonMFCTargets NAMESPACE LMCommonMFC:: DESTINATION "${lm_package_folder}")
 configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/LMCommonMFCConfig.cmake.in"

@@ -17,11 +17,11 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>|(\S+))')
 
 # What may be included along with a component, and the outside headers that belong to one.
 IMPLIED = {"Qt6::Widgets": ("Qt6::Gui", "Qt6::Core"), "Qt6::Gui": ("Qt6::Core",), "Qt6::Xml": ("Qt6::Core",)}
-OUTSIDE = (("openssl/", "OpenSSL::Crypto"),
+OUTSIDE = (("openssl/", "OpenSSL::Crypto"), ("xlsx", "QXlsx::QXlsx"), ("zip.h", "libzip::zip"),
            ("gtest/", "GTest"), ("gmock/", "GTest"), ("benchmark/", "benchmark"))
 QT_FOLDERS = ("/usr/include/x86_64-linux-gnu/qt6", "/usr/include/aarch64-linux-gnu/qt6", "/usr/include/qt6")
 QT_PARTS = ("Core", "Gui", "Widgets", "Xml", "Network", "Test", "Concurrent", "PrintSupport")
-INSTALLED_COMPONENTS = ("Qt6::Core",)  # public headers show its types, so who uses them may too
+INSTALLED_COMPONENTS = ("Qt6::Core", "Qt6::Xml")  # public headers show its types, so who uses them may too
 
 
 class TableError(Exception):

@@ -9,6 +9,7 @@ CHostSystemServices hostServices;
 CHostLocale hostLocale;
 bool servicesPresent = true;
 bool localePresent = true;
+QWidget* hostWindow = nullptr;
 
 } // namespace
 
@@ -30,6 +31,10 @@ CHostString CHostSystemServices::title() const {
     return "LMHost";
 }
 
+QWidget* CHostSystemServices::mainWindow() const {
+    return hostWindow;
+}
+
 CHostSystemServices* GetHostSystemServices() {
     return servicesPresent ? &hostServices : nullptr;
 }
@@ -42,6 +47,10 @@ void setServicesPresent(bool present) {
 
 void setLocalePresent(bool present) {
     localePresent = present;
+}
+
+void setMainWindow(QWidget* window) {
+    hostWindow = window;
 }
 
 } // namespace lm::host

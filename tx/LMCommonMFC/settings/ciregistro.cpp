@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
+// The file of the settings: where it lies, and how a setting is found, changed and added.
 #include "settings/ciregistro.h"
+
+#include "settings/xmlfile.h"
 
 #include "log.h"
 
@@ -7,14 +10,14 @@
 #include "system/path.h"
 
 #include <QDomDocument>
-#include <QFile>
 
 #include <filesystem>
 #include <mutex>
 
 namespace {
 
-/// Held from the opening of the file to the end of the search, so that threads see whole files only.
+/// Held from the opening of the file to the end of the search or the writing, so that threads see whole files
+/// only and lose no change. Not recursive.
 std::mutex g_access;
 
 constexpr lm::WideChar kSlash = '/', kBackslash = '\\';
@@ -23,25 +26,34 @@ bool isSeparator(lm::WideChar unit) {
     return unit == kSlash || unit == kBackslash;
 }
 
-/// The text without its last element and the separators in front of it.
-lm::WideString withoutLastElement(lm::WideString path) {
+/// The folder of the running program, without separators at its end.
+lm::WideString programFolder() {
+    lm::WideString path = lm::system::programPath();
     while (!path.empty() && !isSeparator(path.back())) path.pop_back();
     while (!path.empty() && isSeparator(path.back())) path.pop_back();
     return path;
 }
 
-QString nativeName(const lm::WideString& path) {
-    return QString::fromStdString(lm::system::nativePath(path));
+/// The first element "local" below the root, which holds the settings; null when there is none.
+QDomElement containerIn(const QDomDocument& document) {
+    return document.documentElement().elementsByTagName(QStringLiteral("local")).at(0).toElement();
 }
 
-/// The attribute "value" of the first child whose "key" is this one, which is in capitals.
-RZString valueOf(const RZString& key, const QDomNode& settings) {
-    for (QDomNode at = settings.firstChild(); !at.isNull(); at = at.nextSibling()) {
-        const QDomElement setting = at.toElement();
-        if (RZString(setting.attribute(QStringLiteral("key"))).asUpper() == key)
-            return RZString(setting.attribute(QStringLiteral("value")));
+/// The first child whose attribute "key" is this one but for case, whatever the child's own name; null when
+/// there is none. The key is in capitals.
+QDomElement settingIn(const QDomElement& container, const RZString& key) {
+    for (QDomNode at = container.firstChild(); !at.isNull(); at = at.nextSibling()) {
+        QDomElement setting = at.toElement();
+        if (RZString(setting.attribute(QStringLiteral("key"))).asUpper() == key) return setting;
     }
     return {};
+}
+
+void addSetting(QDomDocument& document, QDomElement& container, const RZString& key, const RZString& value) {
+    QDomElement setting = document.createElement(QStringLiteral("registro"));
+    setting.setAttribute(QStringLiteral("key"), QString(key));
+    setting.setAttribute(QStringLiteral("value"), QString(value));
+    container.appendChild(setting);
 }
 
 } // namespace
@@ -54,23 +66,42 @@ lm::WideString CIRegistro::getFileReg() const {
     const std::filesystem::file_status status = std::filesystem::status(lm::system::nativePath(folder));
     if (std::filesystem::is_directory(status)) return folder + lm::system::widen("LMREG2022SP0.xml");
     // The name differs: only the file that all programs share bears the release.
-    return withoutLastElement(lm::system::programPath()) + lm::system::widen("\\Program\\LMREG.xml");
+    return programFolder() + lm::system::widen("\\Program\\LMREG.xml");
+}
+
+lm::WideString CIRegistro::GetPathToProgramFolder() const {
+    return programFolder() + kBackslash;
 }
 
 RZString CIRegistro::readValue(RZString key) const {
     return lm::log::guarded("CIRegistro::readValue", [&]() -> RZString {
-        const QString path = nativeName(getFileReg());
+        const lm::WideString path = getFileReg();
+        if (path.empty()) return {};
         const std::lock_guard<std::mutex> lock(g_access);
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly)) return {};
         QDomDocument document;
-        if (!document.setContent(&file)) return {};
-        file.close();
-        const QDomNodeList containers = document.documentElement().elementsByTagName(QStringLiteral("local"));
-        return containers.isEmpty() ? RZString() : valueOf(key.asUpper(), containers.at(0));
+        if (!lm::settings::readXml(path, document)) return {};
+        const QDomElement container = containerIn(document);
+        if (!container.hasChildNodes()) return {};
+        return RZString(settingIn(container, key.asUpper()).attribute(QStringLiteral("value")));
     });
 }
 
-RZString CIRegistro::GetVersionInternal() {
-    return readValue("VersionIN");
+void CIRegistro::saveValue(RZString key, RZString value) {
+    lm::log::guarded("CIRegistro::saveValue", [&] {
+        const lm::WideString path = getFileReg();
+        if (path.empty()) return;
+        const std::lock_guard<std::mutex> lock(g_access);
+        QDomDocument document;
+        if (!lm::settings::readXml(path, document)) return;
+        QDomElement container = containerIn(document);
+        // An installation lays the first setting down; an empty container takes none.
+        if (!container.hasChildNodes()) return;
+        const RZString wanted = key.asUpper();
+        const QDomElement setting = settingIn(container, wanted);
+        if (setting.isNull())
+            addSetting(document, container, wanted, value);
+        else // A setting without the attribute stays without it: setting a value on nothing does nothing.
+            setting.attributes().namedItem(QStringLiteral("value")).setNodeValue(value);
+        lm::settings::writeXml(path, document);
+    });
 }

@@ -71,6 +71,17 @@ std::size_t copyCut(WideChar* to, WideView text) {
     return at;
 }
 
+WideView unitsOf(const QString& text) {
+    return {reinterpret_cast<const WideChar*>(text.utf16()), static_cast<std::size_t>(text.size())};
+}
+
+/// Whether each unit is one byte of the code page with the same number. A 0 unit isn't, as texts end there.
+bool isSameInCodePage(WideView text) {
+    for (const WideChar unit : text)
+        if (unit - 1U >= 0x7FU && unit - 0xA0U >= 0x60U) return false;
+    return true;
+}
+
 } // namespace
 
 namespace lm::text {
@@ -103,7 +114,9 @@ RZString::RZString(const OdString& text) : RZString(lm::text::cut(text.view())) 
 
 RZString::RZString(const CHostString& text) : RZString(text.ansi_str()) {}
 
-RZString::RZString(const QString& text) : RZString(CHostString(text)) {}
+// The narrow form of a text that the code page holds unit for unit is the text, so it needn't be made.
+RZString::RZString(const QString& text)
+    : RZString(isSameInCodePage(unitsOf(text)) ? RZString(unitsOf(text)) : RZString(CHostString(text))) {}
 
 RZString::RZString(OdDbHandle handle) : RZString(handle.ascii()) {}
 

@@ -8,6 +8,8 @@
 #include "host/documentmanager.h"
 #include "host/hoststring.h"
 
+class QWidget;
+
 /// The language of the host.
 class LM_HOST_API CHostLocale {
 public:
@@ -35,6 +37,9 @@ public:
                                        const OdString& password = OdString());
     /// Title for message boxes.
     CHostString title() const;
+    /// The window over which dialogs open, which stays the host's. Null in a host without windows. For the
+    /// main thread.
+    QWidget* mainWindow() const;
 };
 
 /// The services, or null in a host without them.
@@ -46,5 +51,8 @@ namespace lm::host {
 LM_HOST_API void setServicesPresent(bool present);
 /// Whether the services give the locale. For tests.
 LM_HOST_API void setLocalePresent(bool present);
+/// Says which window mainWindow gives; null takes it back. Whoever names a window takes it back before the
+/// window ends.
+LM_HOST_API void setMainWindow(QWidget* window);
 
 } // namespace lm::host
