@@ -9,6 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <string>
 
 namespace {
@@ -241,6 +242,43 @@ void selectAroundAPoint(benchmark::State& state) {
     }
 }
 BENCHMARK(selectAroundAPoint)->Unit(benchmark::kMicrosecond);
+
+/// The first selection of a drawing, which measures everything in it.
+void selectForTheFirstTime(benchmark::State& state) {
+    CICad cad;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto book = std::make_unique<Book>();
+        state.ResumeTiming();
+        int found = 0;
+        cad.SSGetCrossing(Book::place(7, 7), "P7", &book->db(), [&](OdDbObjectId) { ++found; });
+        state.PauseTiming();
+        if (found != 1) state.SkipWithError("another selection");
+        book.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(selectForTheFirstTime)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+/// One reference moves to and fro between two selections.
+void selectAfterAnEdit(benchmark::State& state) {
+    Book book;
+    CICad cad;
+    const OdGePoint3d place = Book::place(7, 7);
+    OdDbObjectId moved;
+    cad.SSGetCrossing(place, "P7", &book.db(), [&](OdDbObjectId id) { moved = id; });
+    bool isThere = true;
+    for (auto _ : state) {
+        book.db().startUndoRecord();
+        isThere = !isThere;
+        OdSmartPtr<OdDbBlockReference>(moved.openObject(OdDb::kForWrite))
+            ->setPosition(isThere ? place : OdGePoint3d(5000, -5000, 0));
+        int found = 0;
+        cad.SSGetCrossing(place, "P7", &book.db(), [&](OdDbObjectId) { ++found; });
+        if (found != (isThere ? 1 : 0)) state.SkipWithError("another selection");
+    }
+}
+BENCHMARK(selectAfterAnEdit)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -206,9 +206,11 @@ def pages():
     report("a page setting written on the first of 100,000 entities", slowest / 1e3, 5, "us")
     report("MostrarPagina among 1,000 pages and 100,000 references", times["showPage"] / 1e6, 3, "ms")
     report("MostrarPaginaPDF, the same project", times["showPageOfSeries"] / 1e3, 50, "us")
-    # Neither has an index: the one looks at the layer of each entity, the other at its box where the layer fits.
+    report("SSGetCrossing around a point of that project", times["selectAroundAPoint"] / 1e3, 100, "us")
+    report("SSGetCrossing after an edit of one reference", times["selectAfterAnEdit"] / 1e3, 200, "us")
+    print("the first SSGetCrossing of that project: %.0f ms" % (times["selectForTheFirstTime"] / 1e6))
+    # It looks at the layer of each entity, and at the box where the layer is shown.
     print("ZoomExtends of a page of that project: %.2f ms" % (times["zoomToPage"] / 1e6))
-    print("SSGetCrossing around a point of that project: %.0f us" % (times["selectAroundAPoint"] / 1e3))
 
 
 def reactor():
@@ -217,6 +219,22 @@ def reactor():
     report("an event to a derived class, of an object without a match", slowest, 300, "ns")
     slowest = max(times["eventOfContact"], times["eventOfOtherBlock"], times["erasedContact"])
     report("an event to a derived class, of a reference with its name read", slowest, 1000, "ns")
+
+
+def settings():
+    times = timed("lm_bench_settings")
+    for count in (40, 2000):
+        report("a setting read from a file of %d, times bare Qt" % count,
+               times["readSetting/%d" % count] / times["bareRead/%d" % count], 1.3, "times")
+        report("a setting written to a file of %d, times bare Qt" % count,
+               times["writeSetting/%d" % count] / times["bareWrite/%d" % count], 1.3, "times")
+
+
+def workbooks():
+    times = timed("lm_bench_workbooks")
+    for sheets in (1, 40):
+        report("GetValue over 50,000 x 10 cells, times a bare loop, %d sheet%s" % (sheets, "s"[:sheets > 1]),
+               times["getValue/%d" % sheets] / times["bareLoop/%d" % sheets], 1.2, "times")
 
 
 def converting():
@@ -238,7 +256,8 @@ if __name__ == "__main__":
         sys.exit("shared drawings not found: %s has no tools/make_drawing.py" % SHARED)
     parts = (("processes", whole_processes), ("operations", operations), ("changes", changes),
              ("attributes", attributes), ("links", links), ("pages", pages), ("symbols", symbols),
-             ("reactor", reactor), ("converting", converting), ("ezdxf", against_ezdxf))
+             ("reactor", reactor), ("settings", settings), ("workbooks", workbooks), ("converting", converting),
+             ("ezdxf", against_ezdxf))
     wanted = sys.argv[1:] or [name for name, _ in parts]
     for name, part in parts:
         if name in wanted:

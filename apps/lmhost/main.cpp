@@ -26,6 +26,10 @@
 
 #include <unistd.h>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace lmhost {
 
 namespace {
@@ -48,6 +52,9 @@ constexpr const char kUsageText[] = "usage: lmhost COMMAND FILE [OPTIONS]\n"
                                     "  run FILE|--new SCRIPT [--save OUT] [--events OUT]\n"
                                     "                             a script of commands and expressions\n"
                                     "                             both: [--time-limit SECONDS]\n";
+
+/// Where the help of a command begins in its line.
+constexpr std::size_t kHelpColumn = 29;
 
 void errorLine(const std::string& text) {
     // A path on the command line may be any bytes.
@@ -79,8 +86,13 @@ void writeUsage(lm::host::ToolOutput& out) {
     out.write(kUsageText);
     for (const auto& tool : lm::host::tools()) {
         std::string line = "  " + tool->name + " FILE";
-        line.resize(std::max<std::size_t>(line.size() + 1, 29), ' ');
-        out.write(line + tool->help + "\n");
+        line.resize(std::max<std::size_t>(line.size() + 1, kHelpColumn), ' ');
+        for (const char letter : tool->help + "\n") {
+            line += letter;
+            if (letter != '\n') continue;
+            out.write(line);
+            line.assign(kHelpColumn, ' ');
+        }
     }
     out.write("\n  --module NAME              loads a further module, by name or path, with the commands "
               "that it brings\n"
@@ -179,6 +191,14 @@ int runOnDrawing(const CommandLine& line, lm::host::ToolOutput& out) {
     return code;
 }
 
+/// The leak checker names what it finds by the code that asked for it, so it has to look while the modules
+/// are there.
+void checkLeaks() {
+#ifdef __SANITIZE_ADDRESS__
+    __lsan_do_leak_check();
+#endif
+}
+
 int run(const CommandLine& line, lm::host::ToolOutput& out) {
     if (!line.fault.empty()) {
         errorLine(line.fault + "; lmhost help tells more");
@@ -194,7 +214,9 @@ int run(const CommandLine& line, lm::host::ToolOutput& out) {
         writeVersion(out);
         return kDone;
     }
-    return runOnDrawing(line, out);
+    const int code = runOnDrawing(line, out);
+    checkLeaks();
+    return code;
 }
 
 } // namespace

@@ -22,7 +22,7 @@ std::vector<std::string> takeModules(const std::vector<std::string>& given, Comm
 /// Options whose value is the argument behind them.
 bool takesValue(const std::string& option) {
     return option == "--name" || option == "--fix" || option == "--version" || option == "--save" ||
-           option == "--events" || option == "--time-limit";
+           option == "--events" || option == "--time-limit" || option == "--stamp" || option == "--tag";
 }
 
 } // namespace

@@ -5,8 +5,8 @@
 
 #include "drawing/writer.h"
 #include "host/documentmanager.h"
-#include "host/eventlog.h"
 #include "host/lisp.h"
+#include "host/recorder.h"
 #include "host/script.h"
 #include "system/file.h"
 #include "system/path.h"
@@ -16,7 +16,6 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <optional>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -143,7 +142,7 @@ int runEval(const CommandLine& line, CHostDocument& document, lm::host::ToolOutp
 
 namespace {
 
-/// The file of the events; the log goes before its file is closed.
+/// The file of the events; the recording ends before its file is closed.
 class EventFile {
 public:
     /// Does nothing for an empty path. False when the file can't be made.
@@ -152,16 +151,21 @@ public:
         m_descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         if (m_descriptor < 0) return false;
         m_out = std::make_unique<lm::host::ToolOutput>(m_descriptor);
-        m_log.emplace([this](std::string_view event) {
+        return true;
+    }
+    /// Records from now on; false when no module can.
+    bool record() {
+        if (m_descriptor < 0) return true;
+        m_recording = lm::host::startRecording([this](std::string_view event) {
             m_out->write(event);
             m_out->put('\n');
         });
-        return true;
+        return m_recording != nullptr;
     }
     /// Writes what is left; false, with the reason in errno, when something couldn't be written.
     bool close() {
         if (m_descriptor < 0) return true;
-        m_log.reset();
+        m_recording.reset();
         const bool isWritten = m_out->flush();
         const int reason = m_out->error();
         m_out.reset();
@@ -174,7 +178,7 @@ public:
 private:
     int m_descriptor = -1;
     std::unique_ptr<lm::host::ToolOutput> m_out;
-    std::optional<lm::host::EventLog> m_log;
+    std::unique_ptr<lm::host::Recording> m_recording;
 };
 
 bool readScript(const std::string& path, std::string& text, const ErrorSink& error) {
@@ -232,6 +236,7 @@ int runScript(const CommandLine& line, lm::host::ToolOutput& out, const ErrorSin
         return kOutput;
     };
     if (!events.open(arguments.events)) return cannotWrite();
+    if (!events.record()) return error("run: no module is loaded that can record events"), kFailed;
     int code = kDone;
     {
         Console console(out);

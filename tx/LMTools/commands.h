@@ -24,6 +24,11 @@ void addBlockCommands(Commands& commands);     ///< _LMREDEFINE _LMPURGE
 void addShapeCommands(Commands& commands);     ///< _LMFLATTEN _LMLAYERZERO
 void addLinkCommands(Commands& commands);      ///< _LMLINKS _LMCOPY
 void addCircuitCommand(Commands& commands);    ///< _LMCIRCUIT
+/// _LMPAGE _LMCOVER _LMINDEX _LMSHOWPAGE _LMGOTO _LMDELETEPAGE
+void addPageCommands(Commands& commands);
+void addProjectCommands(Commands& commands);  ///< _LMORDER _LMNUMBERING _LMCONFIG _LMVERSION
+void addReplayCommand(Commands& commands);    ///< _LMREPLAY
+void addWorkbookCommands(Commands& commands); ///< _LMEXPORT _LMIMPORT
 
 /// The drawing of a command. Raises CommandFailed while none is open.
 CHostDatabase& drawingOf(const OdEdCommandContext& context);

@@ -30,14 +30,18 @@ std::optional<Options> readOptions(lm::host::ToolContext& context,
             context.error("unknown argument \"" + given[i] + "\"");
             return std::nullopt;
         }
-        if (given[i] == "--json") options.json = true;
-        if (given[i] == "--no-prompts") options.prompts = false;
-        if (given[i] != "--name") continue;
+        const std::string& option = given[i];
+        if (option == "--json") options.json = true;
+        if (option == "--no-prompts") options.prompts = false;
+        if (option == "--json" || option == "--no-prompts") continue;
         if (++i == given.size()) {
-            context.error("--name needs patterns behind it, such as \"NA-*;NF-*\"");
+            context.error(option + (option == "--name" ? " needs patterns behind it, such as \"NA-*;NF-*\""
+                                                       : " needs a name behind it"));
             return std::nullopt;
         }
-        options.names = patternsOf(given[i]);
+        if (option == "--name") options.names = patternsOf(given[i]);
+        if (option == "--stamp") options.stamp = given[i];
+        if (option == "--tag") options.tag = given[i];
     }
     return options;
 }

@@ -15,12 +15,14 @@ namespace lmtools {
 
 lm::host::Tool blocksTool();
 lm::host::Tool componentsTool();
+lm::host::Tool pagesTool();
 
 /// Options of a listing: `--json`, and what the tool adds itself.
 struct Options {
     bool json = false;
     bool prompts = true;
     std::optional<std::vector<OdString>> names; ///< patterns of `--name`
+    std::optional<std::string> stamp, tag;      ///< a block and an attribute of it
 };
 
 /// Reads the arguments. `allowed` names the options that the tool takes. Nothing, after an error line, for

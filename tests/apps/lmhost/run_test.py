@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The command `run`: scripts, their outputs, saving, recorded events, failures, limits."""
+"""The command `run`: scripts, their outputs, saving, failures, limits."""
 import os
 import re
 import shutil
@@ -102,27 +102,6 @@ class Scripts(unittest.TestCase):
             with self.subTest(arguments[1:]):
                 run = support.Run(*arguments)
                 self.assertEqual((run.code, run.output, len(run.error_lines)), (2, b"", 1), run.errors)
-
-    def test_recorded_events_are_typed_and_in_order(self):
-        events = self.path("events")
-        run = self.run_script(CIRCLE + "_COPY L  0,0 5,0 \n_ERASE L \n_U\n", "--events", events)
-        self.assertEqual((run.code, run.errors), (0, ""))
-        with open(events, encoding="utf-8") as file:
-            lines = file.read().split("\n")
-        self.assertEqual(lines.pop(), "")
-        shape = [re.sub(r" [0-9A-F]+$", "", line) for line in lines]
-        self.assertEqual(shape[0], "objectAppended CIRCLE")
-        self.assertEqual(shape[1], "commandWillStart _COPY")
-        self.assertIn("objectAppended CIRCLE", shape[2:])
-        end = shape.index("commandEnded _COPY")
-        self.assertEqual(shape[end - 1], "transactionEnded")
-        self.assertEqual(shape[end + 1:], ["commandWillStart _ERASE", "objectErased CIRCLE", "transactionEnded",
-                                           "commandEnded _ERASE", "commandWillStart _U", "objectUnerased CIRCLE",
-                                           "commandEnded _U"])
-        again = self.path("again")
-        self.run_script(CIRCLE + "_COPY L  0,0 5,0 \n_ERASE L \n_U\n", "--events", again)
-        with open(again, encoding="utf-8") as file:
-            self.assertEqual(file.read().split("\n")[:-1], lines)
 
     def test_a_script_works_on_a_drawing_and_leaves_its_file_alone(self):
         copy = self.path("cópia.dxf")

@@ -65,6 +65,16 @@ TEST(JsonWriter, KeepsEveryWideUnit) {
     EXPECT_EQ("\"\\uD83D\"", asJson({0xD83D}));
 }
 
+TEST(JsonWriter, WritesWhatIsNotThereAsNull) {
+    EXPECT_EQ("[null,1,null]", written([](JsonWriter& json) {
+                  json.beginArray();
+                  json.null();
+                  json.value(1);
+                  json.null();
+                  json.endArray();
+              }));
+}
+
 TEST(JsonWriter, TakesLongTexts) {
     for (std::size_t size : {253, 254, 255, 256, 257, 1000}) {
         EXPECT_EQ("\"" + std::string(size, 'x') + "\"", asJson(lm::WideString(size, 'x')));

@@ -38,6 +38,7 @@ public:
     void value(int number) { value(static_cast<long long>(number)); }
     void value(std::size_t number) { value(static_cast<long long>(number)); }
     void value(bool truth) { raw(truth ? "true" : "false"); }
+    void null() { raw("null"); }
     /// The end of the document: a line feed.
     void finish() { m_out.put('\n'); }
 

@@ -72,7 +72,7 @@ using ToolFunction = std::function<int(ToolContext& context)>;
 /// A tool as it is offered.
 struct Tool {
     std::string name; ///< as the user types it
-    std::string help; ///< one line
+    std::string help; ///< one line, or several
     ToolFunction run;
 };
 
