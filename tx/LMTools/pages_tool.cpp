@@ -85,11 +85,10 @@ struct Page {
     Counts counts;
 };
 
-/// What the stamp says of a page. It stands on the page, or on the layer that the page has for it.
+/// What the stamp says of a page. It stands on the page, or where asked for on the layer that the page has for it.
 RZString descriptionOf(CICad& cad, const RZString& page, const Options& options) {
     const RZString tag = wide(*options.tag), block = wide(*options.stamp);
-    const RZString own = cad.BuscarDescricaoPagina(tag, block, page);
-    return own.isEmpty() ? cad.BuscarDescricaoPagina(tag, block, stampLayerOf(page)) : own;
+    return cad.BuscarDescricaoPagina(tag, block, options.onStampLayer ? stampLayerOf(page) : page);
 }
 
 std::vector<Page> pagesOf(CICad& cad, const CHostDatabase& drawing, const Contents& contents,
@@ -259,11 +258,15 @@ void writeLines(ToolOutput& out, const Project& project, const Contents& content
 }
 
 int runPages(ToolContext& context) {
-    const std::optional<Options> options = readOptions(context, {"--json", "--stamp", "--tag"});
+    const std::optional<Options> options = readOptions(context, {"--json", "--stamp", "--tag", "--on-stamp-layer"});
     if (!options) return 2;
     if (options->stamp.has_value() != options->tag.has_value()) {
         context.error("--stamp and --tag tell together where descriptions stand, found " +
                       std::string(options->stamp ? "--stamp" : "--tag") + " alone");
+        return 2;
+    }
+    if (options->onStampLayer && !options->stamp) {
+        context.error("--on-stamp-layer needs --stamp and --tag");
         return 2;
     }
     CHostDatabase& drawing = *context.document->database();
@@ -280,10 +283,12 @@ int runPages(ToolContext& context) {
 
 lm::host::Tool pagesTool() {
     return {"pages",
-            "pages of the project [--stamp BLOCK --tag TAG] [--json]: in table order\n"
+            "pages of the project [--stamp BLOCK --tag TAG [--on-stamp-layer]] [--json]:\n"
+            "in table order\n"
             "the layers but \"0\", \"RZ_FREEZE\" and those that belong to\n"
             "another (names that end with \"$DE\", \"$FORMATO\", \"$SELO\"),\n"
-            "as far as they carry an entity or a mark",
+            "as far as they carry an entity or a mark; the description is the\n"
+            "attribute TAG of the stamp BLOCK on the page, or on its \"$SELO\"",
             runPages};
 }
 

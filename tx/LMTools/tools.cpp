@@ -33,7 +33,8 @@ std::optional<Options> readOptions(lm::host::ToolContext& context,
         const std::string& option = given[i];
         if (option == "--json") options.json = true;
         if (option == "--no-prompts") options.prompts = false;
-        if (option == "--json" || option == "--no-prompts") continue;
+        if (option == "--on-stamp-layer") options.onStampLayer = true;
+        if (option == "--json" || option == "--no-prompts" || option == "--on-stamp-layer") continue;
         if (++i == given.size()) {
             context.error(option + (option == "--name" ? " needs patterns behind it, such as \"NA-*;NF-*\""
                                                        : " needs a name behind it"));

@@ -23,6 +23,7 @@ struct Options {
     bool prompts = true;
     std::optional<std::vector<OdString>> names; ///< patterns of `--name`
     std::optional<std::string> stamp, tag;      ///< a block and an attribute of it
+    bool onStampLayer = false;                  ///< the block stands on the layer that a page has for it
 };
 
 /// Reads the arguments. `allowed` names the options that the tool takes. Nothing, after an error line, for

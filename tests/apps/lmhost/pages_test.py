@@ -99,14 +99,14 @@ class Sample(Base):
         self.assertGreater(sum(page[1] for page in pages.values()), 50)
 
     def test_descriptions_come_from_the_stamp(self):
-        pages = self.listing(support.SAMPLE, "--stamp", "SELO_A3", "--tag", "DESCRICAO")["pages"]
+        pages = self.listing(support.SAMPLE, "--stamp", "SELO_A3", "--tag", "DESCRICAO", "--on-stamp-layer")["pages"]
         self.assertEqual([page["description"] for page in pages][:3], ["", "", "Circuito de força"])
         self.assertEqual(pages[6]["description"], "Panel layout")
         pages = self.listing(support.SAMPLE, "--stamp", "SELO_A3", "--tag", "NO TAG")["pages"]
         self.assertEqual({page["description"] for page in pages}, {""})
 
     def test_plain_output_names_what_it_lists(self):
-        run = support.Run("pages", support.SAMPLE, "--stamp", "SELO_A3", "--tag", "DESCRICAO")
+        run = support.Run("pages", support.SAMPLE, "--stamp", "SELO_A3", "--tag", "DESCRICAO", "--on-stamp-layer")
         self.assertEqual((run.code, run.errors), (0, ""))
         lines = run.output.decode("utf-8").split("\n")
         self.assertEqual(lines[:9], [
@@ -216,7 +216,7 @@ class Rule(Base):
                          [{"code": 1000, "value": "Q1"}, {"code": 1070, "value": 2}, {"code": 1040, "value": 0.5},
                           {"code": 1010, "value": [1, 2, 3]}])
 
-    def test_the_stamp_on_the_page_itself_comes_first(self):
+    def test_the_stamp_stands_on_the_page_or_on_its_layer_for_it(self):
         def stamp(layer, text, name="SELO"):
             return ('(entmake \'((0 . "INSERT") (8 . "%s") (2 . "%s") (66 . 1) (10 0.0 0.0 0.0)))\n'
                     '(entmake \'((0 . "ATTRIB") (8 . "%s") (10 0.0 0.0 0.0) (40 . 1.0) (1 . "%s") (2 . "DESC")))\n'
@@ -231,7 +231,9 @@ class Rule(Base):
                             stamp("P4$SELO", "of the layer") + stamp("P4", "", "SELO_C"))
         pages = self.listing(drawing, "--stamp", "SELO", "--tag", "desc")["pages"]
         self.assertEqual([(page["name"], page["description"]) for page in pages],
-                         [("P1", "first"), ("P2", "cover"), ("P3", "index"), ("P4", "of the layer")])
+                         [("P1", "first"), ("P2", "cover"), ("P3", "index"), ("P4", "")])
+        pages = self.listing(drawing, "--stamp", "SELO", "--tag", "desc", "--on-stamp-layer")["pages"]
+        self.assertEqual([page["description"] for page in pages], ["second", "", "", "of the layer"])
 
 
 class Size(Base):
@@ -255,7 +257,7 @@ class Size(Base):
 class Usage(Base):
     def test_wrong_usage_ends_with_2(self):
         for options in (("--stamp",), ("--tag",), ("--stamp", "A"), ("--tag", "A"), ("--json", "--name", "A"),
-                        ("--nonsense",), ("more",)):
+                        ("--nonsense",), ("more",), ("--on-stamp-layer",)):
             with self.subTest(options):
                 run = support.Run("pages", support.SAMPLE, *options)
                 self.assertEqual((run.code, run.output, len(run.error_lines)), (2, b"", 1))
@@ -277,7 +279,7 @@ class Usage(Base):
 
     def test_the_help_tells_what_a_page_is(self):
         text = support.Run("help").output.decode()
-        for part in ("pages FILE", "--stamp BLOCK --tag TAG", '"RZ_FREEZE"', '"$FORMATO"', "an entity or a mark"):
+        for part in ("pages FILE", "--stamp BLOCK --tag TAG", "--on-stamp-layer", '"RZ_FREEZE"', '"$FORMATO"', "an entity or a mark"):
             self.assertIn(part, text)
         self.assertLessEqual(max(map(len, text.split("\n"))), 110)
 
