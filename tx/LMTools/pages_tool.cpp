@@ -85,7 +85,8 @@ struct Page {
     Counts counts;
 };
 
-/// What the stamp says of a page. It stands on the page, or where asked for on the layer that the page has for it.
+/// What the stamp says of a page. It stands on the page, or where asked for on the layer that the page has
+/// for it.
 RZString descriptionOf(CICad& cad, const RZString& page, const Options& options) {
     const RZString tag = wide(*options.tag), block = wide(*options.stamp);
     return cad.BuscarDescricaoPagina(tag, block, options.onStampLayer ? stampLayerOf(page) : page);
@@ -258,7 +259,8 @@ void writeLines(ToolOutput& out, const Project& project, const Contents& content
 }
 
 int runPages(ToolContext& context) {
-    const std::optional<Options> options = readOptions(context, {"--json", "--stamp", "--tag", "--on-stamp-layer"});
+    const std::optional<Options> options =
+        readOptions(context, {"--json", "--stamp", "--tag", "--on-stamp-layer"});
     if (!options) return 2;
     if (options->stamp.has_value() != options->tag.has_value()) {
         context.error("--stamp and --tag tell together where descriptions stand, found " +

@@ -29,6 +29,8 @@ namespace keys {
 
 /// Each gives true when the event is dealt with.
 bool press(WindowBlock& block, QKeyEvent& event);
+/// A key in the open list of a combo box, which goes the box's way first. False when the list shall have it.
+bool pressInList(WindowBlock& block, QKeyEvent& event);
 bool commit(WindowBlock& block, QInputMethodEvent& event);
 /// The default procedures of WM_KEYDOWN and WM_CHAR.
 LRESULT defaultKeyDown(HWND window, WPARAM key);

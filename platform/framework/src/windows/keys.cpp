@@ -189,6 +189,14 @@ bool press(WindowBlock& block, QKeyEvent& event) {
     return true;
 }
 
+bool pressInList(WindowBlock& block, QKeyEvent& event) {
+    const EventInHand inHand(&block, event, charactersOf(event).empty() ? WM_KEYDOWN : WM_CHAR, true);
+    KeyRoad keyRoad(&block, &event);
+    route({&block, WM_KEYDOWN, numberOf(event.key()), 1});
+    routeCharacters(keyRoad);
+    return !inHand.isDelivered();
+}
+
 bool commit(WindowBlock& block, QInputMethodEvent& event) {
     const QString text = event.commitString();
     if (text.isEmpty()) return false;

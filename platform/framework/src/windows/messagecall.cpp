@@ -88,8 +88,9 @@ LRESULT MessageCall::runDefault() {
     return call->window->procedure(call->window, call->message, call->wParam, call->lParam);
 }
 
-EventInHand::EventInHand(HWND window, QEvent& event, UINT belongsTo)
-    : message(belongsTo), m_window(window), m_event(event), m_outer(std::exchange(innermostEvent, this)) {}
+EventInHand::EventInHand(HWND window, QEvent& event, UINT belongsTo, bool passesOn)
+    : message(belongsTo), m_window(window), m_event(event), m_passesOn(passesOn),
+      m_outer(std::exchange(innermostEvent, this)) {}
 
 EventInHand::~EventInHand() {
     innermostEvent = m_outer;
@@ -108,6 +109,7 @@ bool EventInHand::deliver(HWND window, UINT message) {
 
 bool EventInHand::deliverNow() {
     m_isDelivered = true;
+    if (m_passesOn) return true;
     QWidget* const widget = m_window->widget();
     // Not by the application, which would ask the filter again.
     return widget != nullptr && static_cast<QObject*>(widget)->event(&m_event);

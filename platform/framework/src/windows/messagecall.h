@@ -40,7 +40,9 @@ private:
 /// One event of the toolkit on its way to a widget. Its message's default procedure delivers it, once.
 class EventInHand {
 public:
-    EventInHand(HWND window, QEvent& event, UINT message);
+    /// With `passesOn` the event isn't handed over at once but goes on by itself afterwards, as whoever
+    /// filters it sees by isDelivered.
+    EventInHand(HWND window, QEvent& event, UINT message, bool passesOn = false);
     ~EventInHand();
     EventInHand(const EventInHand&) = delete;
     EventInHand& operator=(const EventInHand&) = delete;
@@ -62,6 +64,7 @@ private:
     HWND m_window;
     QEvent& m_event;
     bool m_isDelivered = false;
+    bool m_passesOn;
     EventInHand* m_outer;
 };
 

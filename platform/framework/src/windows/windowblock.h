@@ -19,6 +19,7 @@ using DefaultProcedure = LRESULT (*)(HWND window, UINT message, WPARAM wParam, L
 
 LRESULT plainProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT editProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT comboProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 /// Tells the parent of a control something, as a WM_COMMAND.
 void notifyParent(HWND control, UINT code);
