@@ -31,8 +31,8 @@ install(DIRECTORY "${CMAKE_SOURCE_DIR}/tx/LMCommonMFC/" DESTINATION "include/LMC
         PATTERN "workbookguard.h" EXCLUDE)
 
 if(LM_WINDOWS)
-    set_target_properties(lm_host_windows PROPERTIES INSTALL_RPATH "$ORIGIN")
-    install(TARGETS lm_host_windows EXPORT LMCommonMFCTargets LIBRARY DESTINATION "lib")
+    set_target_properties(lm_host_windows lm_windows PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS lm_host_windows lm_windows EXPORT LMCommonMFCTargets LIBRARY DESTINATION "lib")
 endif()
 
 install(EXPORT LMCommonMFCTargets NAMESPACE LMCommonMFC:: DESTINATION "${lm_package_folder}")

@@ -23,6 +23,7 @@ using lm::windows::WindowBlock;
 namespace {
 
 QPointer<WindowBlock> captured;
+thread_local CWnd* mainWindowOfThread = nullptr;
 
 /// The window of a control, out of the second parameter of a WM_COMMAND.
 HWND controlOf(LPARAM parameter) {
@@ -468,6 +469,14 @@ bool CWnd::createWindow(QWidget* made, DWORD style, const CRect& rect, CWnd* par
 }
 
 namespace lm::windows {
+
+CWnd* threadMainWindow() {
+    return mainWindowOfThread;
+}
+
+void setThreadMainWindow(CWnd* window) {
+    mainWindowOfThread = window;
+}
 
 LRESULT plainProcedure(HWND window, UINT message, WPARAM wParam, LPARAM) {
     switch (message) {

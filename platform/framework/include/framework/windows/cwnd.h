@@ -192,4 +192,8 @@ namespace lm::windows {
 using FailureSink = std::function<void(const QString& text)>;
 LM_WINDOWS_API FailureSink setFailureSink(FailureSink sink);
 
+/// The main window of the calling thread, as it was set there; null unless set.
+LM_WINDOWS_API CWnd* threadMainWindow();
+LM_WINDOWS_API void setThreadMainWindow(CWnd* window);
+
 } // namespace lm::windows
