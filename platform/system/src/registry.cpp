@@ -15,8 +15,9 @@ std::mutex g_access;
 std::map<Place, std::string> g_values;
 
 WideString lowered(WideView text) {
-    WideString result(text);
-    for (WideChar& unit : result) unit = toLower(unit);
+    WideString result;
+    result.reserve(text.size());
+    for (const WideChar unit : text) result += toLower(unit);
     return result;
 }
 
@@ -41,10 +42,12 @@ void setRegistryValue(RegistryRoot root, WideView key, WideView name, std::strin
 
 void setRegistryText(RegistryRoot root, WideView key, WideView name, WideView text) {
     std::string bytes;
-    for (const WideChar unit : WideString(text) + WideChar{0}) {
+    bytes.reserve(2 * text.size() + 2);
+    for (const WideChar unit : text) {
         bytes += static_cast<char>(unit & 0xFF);
         bytes += static_cast<char>(unit >> 8);
     }
+    bytes.append(2, '\0');
     setRegistryValue(root, key, name, std::move(bytes));
 }
 
