@@ -20,6 +20,8 @@ RZString askNewPage(CHostDatabase& drawing, lm::host::CommandInput& input) {
     if (!lm::drawing::isValidName(wide(name).view()))
         fail(inQuotes(name) +
              " can't name a page, expected 1 to 255 signs without controls and <>/\\\":;?*,=|`");
+    if (name.find_first_not_of(' ') == std::string::npos)
+        fail(inQuotes(name) + " can't name a page, expected more than blanks");
     if (!canBePage(wide(name)))
         fail(inQuotes(name) + " can't name a page: such a layer belongs to a page or to the project");
     return wide(name);

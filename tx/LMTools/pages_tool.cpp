@@ -19,7 +19,6 @@ using lm::host::JsonWriter;
 using lm::host::ToolContext;
 using lm::host::ToolOutput;
 
-const char kOrderOfPages[] = "RZ_ORDEM_PAG_";
 constexpr int kApplication = 1001;
 
 struct Counts {

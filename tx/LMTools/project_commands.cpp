@@ -3,6 +3,8 @@
 #include "commands.h"
 #include "pages.h"
 
+#include <limits>
+
 namespace lmtools {
 
 namespace {
@@ -25,15 +27,21 @@ void tell(const std::string& what, int stored, int read) {
                         : ", but another settings carrier has " + std::to_string(read) + ", which counts"));
 }
 
+/// What an empty answer means: the value is told, and nothing is written.
+constexpr int kAsItIs = std::numeric_limits<int>::min();
+
 void orderGroups(CICad& cad, CHostDatabase& drawing, lm::host::CommandInput& input) {
-    const int value = input.integer("Order", cad.GetOrdemGrupos(&drawing));
+    const int value = input.integer("Order", kAsItIs);
+    if (value == kAsItIs)
+        return tell("order of groups", cad.GetOrdemGrupos(&drawing), cad.GetOrdemGrupos(&drawing));
     store(cad, drawing, [&] { return cad.SetOrdemGrupos(value) == 0; });
     tell("order of groups", value, cad.GetOrdemGrupos(&drawing));
 }
 
-/// The name of the group becomes part of the name of an application, which has its limits.
-RZString askGroup(lm::host::CommandInput& input) {
-    constexpr std::size_t kMost = 255 - (sizeof "RZ_ORDEM_PAG_" - 1);
+/// The name of the group, which may be empty or a designation such as "=A1+B2", becomes part of the name of
+/// an application, which has its limits. A name that differs in its case only means the group that is there.
+RZString askGroup(CHostDatabase& drawing, lm::host::CommandInput& input) {
+    constexpr std::size_t kPrefix = sizeof kOrderOfPages - 1, kMost = 255 - kPrefix;
     const std::string name = input.text("Group");
     const RZString group = wide(name);
     bool isPlain = group.view().size() <= kMost;
@@ -41,14 +49,17 @@ RZString askGroup(lm::host::CommandInput& input) {
     if (!isPlain)
         fail(inQuotes(name) + " can't name a group, expected at most " + std::to_string(kMost) +
              " signs without controls");
-    return group;
+    const RZString known = knownName(drawing.getRegAppTableId(), RZString(kOrderOfPages) + group);
+    return known.length() == 0 ? group : RZString(known.view().substr(kPrefix));
 }
 
 void orderPages(CICad& cad, CHostDatabase& drawing, lm::host::CommandInput& input) {
-    const RZString group = askGroup(input);
-    const int value = input.integer("Order", cad.GetOrdemPaginas(group));
+    const RZString group = askGroup(drawing, input);
+    const std::string what = "order of the pages in group " + inQuotes(narrow(group));
+    const int value = input.integer("Order", kAsItIs);
+    if (value == kAsItIs) return tell(what, cad.GetOrdemPaginas(group), cad.GetOrdemPaginas(group));
     store(cad, drawing, [&] { return cad.SetOrdemPaginas(group, value) == 0; });
-    tell("order of the pages in group " + inQuotes(narrow(group)), value, cad.GetOrdemPaginas(group));
+    tell(what, value, cad.GetOrdemPaginas(group));
 }
 
 /// Asks for Groups or Pages, for Pages also for the group, and for the order (empty: as it is).
@@ -69,7 +80,11 @@ void order(OdEdCommandContext& context) {
 void numbering(OdEdCommandContext& context) {
     CHostDatabase& drawing = drawingOf(context);
     CICad cad;
-    const int value = context.input().integer("Numbering mode", cad.GetNumeracaoPaginas(&drawing));
+    const int value = context.input().integer("Numbering mode", kAsItIs);
+    if (value == kAsItIs) {
+        const int now = cad.GetNumeracaoPaginas(&drawing);
+        return tell("numbering mode", now, now);
+    }
     store(cad, drawing, [&] { return cad.SetNumeracaoPaginas(value) == 0; });
     tell("numbering mode", value, value == -1 ? -1 : cad.GetNumeracaoPaginas(&drawing));
 }
@@ -94,7 +109,9 @@ void version(OdEdCommandContext& context) {
     cad.setVersaoProjeto(given);
     const RZString product = cad.getVersaoProjeto();
     say("stored version " + inQuotes(narrow(given)) +
-        (product.isEmpty() ? "" : " with the product's, " + inQuotes(narrow(product))));
+        (product.isEmpty()
+             ? "; the settings of this machine name no version of the product, so readers see none"
+             : " with the product's, " + inQuotes(narrow(product)) + ", which readers see"));
 }
 
 } // namespace

@@ -203,9 +203,9 @@ std::string CommandInput::name(std::string_view prompt) {
     return given;
 }
 
-double CommandInput::number(std::string_view prompt, double otherwise) {
-    const Answer answer = ask(prompt);
-    if (answer.isEmpty()) return otherwise;
+namespace {
+
+double numberIn(std::string_view prompt, const Answer& answer) {
     double value = answer.number;
     if (answer.kind != Answer::kNumber && !(answer.kind == Answer::kText && numberOf(answer.text, value)))
         refuse(prompt, answer, "a number");
@@ -213,10 +213,19 @@ double CommandInput::number(std::string_view prompt, double otherwise) {
     return value;
 }
 
+} // namespace
+
+double CommandInput::number(std::string_view prompt, double otherwise) {
+    const Answer answer = ask(prompt);
+    return answer.isEmpty() ? otherwise : numberIn(prompt, answer);
+}
+
 int CommandInput::integer(std::string_view prompt, int otherwise) {
-    const double value = number(prompt, otherwise);
-    if (value != std::floor(value) || std::fabs(value) > 2147483647.0)
-        refuse(prompt, Answer(value), "a whole number");
+    const Answer answer = ask(prompt);
+    if (answer.isEmpty()) return otherwise;
+    const double value = numberIn(prompt, answer);
+    if (value != std::floor(value)) refuse(prompt, answer, "a whole number");
+    if (std::fabs(value) > 2147483647.0) refuse(prompt, answer, "a whole number of at most 2147483647");
     return static_cast<int>(value);
 }
 

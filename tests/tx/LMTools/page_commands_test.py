@@ -71,6 +71,7 @@ class MakingAndMarking(Base):
                 ("_LMPAGE P01 ", ('layer "P01" already',)), ("_LMPAGE p01 ", ('layer "P01" already',)),
                 ("_LMPAGE 0 ", ('layer "0" already',)), ("_LMPAGE RZ_FREEZE ", ("RZ_FREEZE", "belongs to")),
                 ("_LMPAGE P02$SELO ", ("P02$SELO", "belongs to")), ('_LMPAGE "A|B" ', ("A|B", "can't name a page")),
+                ('_LMPAGE " " ', ('" "', "can't name a page")),
                 ('_LMPAGE ""', ("Page",)), ("_LMPAGE", ("Page",)), ("_LMPAGE P02 Perhaps", ("Yes or No", "Perhaps")),
                 ("_LMCOVER P09", ('no page "P09"',)), ("_LMINDEX P01$DE", ("P01$DE", "is no page")),
                 ("_LMCOVER 0", ('"0" is no page',)), ("_LMINDEX", ("Page",))):
@@ -156,6 +157,22 @@ class Project(Base):
         self.assertEqual({group["name"]: group["order"] for group in listing["groups"]},
                          {"MOTOR": 1, "BORNES": 9, "PAINEL": 1})
         self.assertNotIn("made", self.last.text)
+
+    def test_an_empty_answer_changes_nothing(self):
+        groups = {group["name"]: group["order"] for group in self.pages("", drawing=support.SAMPLE)["groups"]}
+        listing = self.pages('_LMORDER Pages NOPE ""\n_LMORDER Pages MOTOR ""\n_LMORDER Groups ""\n_LMNUMBERING ""\n',
+                             drawing=support.SAMPLE)
+        self.assertEqual(self.last.text, 'order of the pages in group "NOPE" is 1\norder of the pages in group "MOTOR" '
+                         "is 1\norder of groups is 1\nnumbering mode is 1\n")
+        self.assertEqual({group["name"]: group["order"] for group in listing["groups"]}, groups)
+        self.assertNotIn("RZ_ORDEM_PAG_NOPE", self.document.appids)
+        empty = self.pages('_LMORDER Groups ""\n_LMNUMBERING ""\n')
+        self.assertFalse(empty["carrier"])
+
+    def test_a_group_that_differs_in_its_case_only_is_the_one_that_is_there(self):
+        listing = self.pages("_LMORDER Pages motor 8\n", drawing=support.SAMPLE)
+        self.assertEqual({group["name"]: group["order"] for group in listing["groups"]},
+                         {"MOTOR": 8, "BORNES": 2, "PAINEL": 1})
 
     def test_another_carrier_that_counts_is_told(self):
         carrier = '(entmake \'((0 . "POINT") (8 . "RZ_FREEZE") (10 0.0 0.0 0.0)%s))\n'
