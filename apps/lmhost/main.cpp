@@ -96,7 +96,8 @@ void writeUsage(lm::host::ToolOutput& out) {
     }
     out.write("\n  --module NAME              loads a further module, by name or path, with the commands "
               "that it brings\n"
-              "\nexit codes: 0 done, 1 defects found, 2 wrong usage, 3 input, 4 output, 5 failed\n");
+              "\nexit codes: 0 done, 1 defects found, 2 wrong usage, 3 input, 4 output, 5 failed\n"
+              "of a script: 4 the drawing or the events can't be written, 5 any other failure\n");
 }
 
 void writeVersion(lm::host::ToolOutput& out) {

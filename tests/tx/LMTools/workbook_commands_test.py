@@ -3,6 +3,8 @@
 are written; it can't write ones that are read, so their parts are changed by hand."""
 import os
 import re
+import resource
+import stat
 import unittest
 import zipfile
 
@@ -95,7 +97,54 @@ class Workbooks(commands_test.Base):
         self.change(">a1<", ">=1+1<")
         self.change(">b1<", ">https://example.com<")
         self.assertEqual(set(self.imported().values()), {"a1", "b1"})
-        self.assertEqual(self.last.text.count("no text, so not written"), 2)
+        for what, tag in (("formula", "A"), ("link", "B")):
+            self.assertIn('a %s, so not written: "%s" of %s' % (what, tag, rows[1][0]), self.last.text)
+
+    def test_a_letter_that_cannot_be_read_is_never_written_into_the_drawing(self):
+        rows = self.exported(self.placed(("a1", "b1"), ("why?", "é")))
+        self.change(">a1<", ">\U0001F600 é 日本<")
+        self.change(">é<", ">is it?<")
+        first, second = rows[1][0], rows[2][0]
+        self.assertEqual(self.imported(), {(first, "A"): "a1", (first, "B"): "b1", (second, "A"): "why?",
+                                           (second, "B"): "é"})
+        line = 'a "?" may be a letter that can\'t be read, so not written: '
+        self.assertIn(line + '"A" of %s, "?? é ??"' % first, self.last.text)
+        self.assertIn(line + '"B" of %s, "is it?"' % second, self.last.text)
+        self.assertEqual(self.last.text.count(line), 2)
+        self.assertIn("imported 0 values", self.last.text)
+
+    def test_a_cell_with_a_line_break_is_one_line_with_its_reason(self):
+        rows = self.exported(self.placed(("a1", "b1")))
+        self.change(">a1<", ">line1\nline2<")
+        self.change(">b1<", ">#N/A<")
+        self.assertEqual(set(self.imported().values()), {"a1", "b1"})
+        self.assertEqual(self.last.text.split("\n")[:2], [
+            'a text with a line break, so not written: "A" of %s, "line1\\nline2"' % rows[1][0],
+            'an error, so not written: "B" of %s, "#N/A"' % rows[1][0]])
+
+    def test_tells_what_may_be_no_text_in_the_workbook(self):
+        taken = ["7.5", "true", "-3", "2026-01-02", "12:00:00.000", "1E5", "0.5"]
+        silent = ["007", "1-2", "TRUE", "+5", "x7", "inf", "1,5", "-", "12:00"]
+        rows = self.exported(self.placed(*[("a%d." % i, "b") for i in range(len(taken + silent))]))
+        for i, value in enumerate(taken + silent):
+            self.change(">a%d.<" % i, ">%s<" % value)
+        values = self.imported()
+        self.assertEqual([values[row[0], "A"] for row in rows[1:]], taken + silent)
+        told = re.findall(r'may show a number.* otherwise: "A" of \w+ is now "(.*)"', self.last.text)
+        self.assertEqual(told, taken)
+
+    def test_tells_of_changes_that_are_not_taken(self):
+        rows = self.exported(self.placed(("a1", "b1"), ("a2", "b2"), ("a3", "b3")))
+        self.change(">SYM<", ">OTHER<")
+        self.change(">%s<" % rows[3][0], "><")
+        self.change(">a2<", ">changed<")
+        self.imported()
+        for row in rows[1:3]:
+            self.assertIn('not taken from the workbook: "(name of block)" of %s, "OTHER", where the drawing has '
+                          '"SYM"' % row[0], self.last.text)
+        self.assertNotIn("layer of page", self.last.text)
+        self.assertIn("row 14 has no handle, so it is passed over", self.last.text)
+        self.assertIn("imported 1 value into 1 component", self.last.text)
 
     def test_refuses_what_does_not_belong_to_the_drawing(self):
         script = self.placed(("a1", "b1"), ("a2", "b2"))
@@ -127,7 +176,47 @@ class Workbooks(commands_test.Base):
                     file.write(content)
             self.refused(script, "_LMIMPORT %s" % self.quoted(name), *expected)
         self.refused(script, "_LMEXPORT %s" % self.quoted("list.dxf"), ".xlsx")
-        self.refused(script, "_LMEXPORT %s" % self.quoted("none/list.xlsx"), "can't be written")
+        self.refused(script, "_LMEXPORT %s" % self.quoted("none/list.xlsx"), "list.xlsx: can't be saved")
+        self.refused(script, "_LMEXPORT %s" % self.quoted("folder.xlsx"), "folder.xlsx: can't be saved")
+
+    def test_names_what_is_wrong_with_a_workbook_of_absolute_paths(self):
+        self.exported(self.placed(("a1", "b1")))
+        self.book.save(self.path("list.xlsx"))
+        self.refused("", "_LMIMPORT %s" % self.quoted("list.xlsx"), "no cells can be read", "absolute paths",
+                     drawing=self.drawing)
+
+    def test_a_failed_export_leaves_the_older_workbook_and_nothing_else(self):
+        script = self.placed(*[("a%d" % i, "b%d" % i) for i in range(50)])
+        self.exported(script)
+        with open(self.path("list.xlsx"), "rb") as file:
+            before = file.read()
+        names = set(os.listdir(self.folder))
+        limits = resource.getrlimit(resource.RLIMIT_FSIZE)
+        for size in (0, 1, 4096, len(before) - 100):
+            for name in ("list.xlsx", "new.xlsx"):
+                with open(self.path("script.scr"), "w", encoding="utf-8") as file:
+                    file.write("_LMEXPORT %s\n" % self.quoted(name))
+                resource.setrlimit(resource.RLIMIT_FSIZE, (size, limits[1]))
+                try:
+                    run = commands_test.support.Run("run", self.drawing, self.path("script.scr"))
+                finally:
+                    resource.setrlimit(resource.RLIMIT_FSIZE, limits)
+                self.assertEqual(run.code, 5, run.errors)
+                self.assertEqual(len(run.error_lines), 1, run.errors)
+                self.assertIn(name, run.error_lines[0])
+                self.assertEqual(set(os.listdir(self.folder)), names)
+                with open(self.path("list.xlsx"), "rb") as file:
+                    self.assertEqual(file.read(), before)
+
+    def test_an_export_keeps_the_mode_and_the_link_of_its_target(self):
+        script = self.placed(("a1", "b1"))
+        self.exported(script, "real.xlsx")
+        os.chmod(self.path("real.xlsx"), 0o640)
+        os.symlink("real.xlsx", self.path("list.xlsx"))
+        rows = self.exported(self.placed(("a2", "b2")))
+        self.assertEqual(rows[1][3], "a2")
+        self.assertTrue(os.path.islink(self.path("list.xlsx")))
+        self.assertEqual(stat.S_IMODE(os.stat(self.path("real.xlsx")).st_mode), 0o640)
 
     def test_a_new_export_replaces_an_older_one(self):
         self.exported(self.placed(("a1", "b1"), ("a2", "b2")))
