@@ -88,6 +88,8 @@ QString CECryptography::decrypt(QString text) const {
     const auto decoded = QByteArray::fromBase64Encoding(text.mid(kPrefixSize).toLatin1(),
                                                         QByteArray::AbortOnBase64DecodingErrors);
     if (!decoded || (*decoded).size() < kNonceSize + kTagSize) return {};
+    // The last letter may hold bits that belong to no byte, and the decoder doesn't look at them.
+    if (QLatin1String((*decoded).toBase64()) != QStringView(text).mid(kPrefixSize)) return {};
     const QByteArray nonce = (*decoded).left(kNonceSize), cipher = (*decoded).mid(kNonceSize + kTagSize);
     QByteArray tag = (*decoded).mid(kNonceSize, kTagSize);
     const int size = static_cast<int>(cipher.size());

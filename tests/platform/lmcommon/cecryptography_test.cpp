@@ -47,4 +47,22 @@ TEST(Cryptography, NoticesEveryChangedLetter) {
     EXPECT_EQ(QString(), CECryptography().decrypt(stored + "AAAA"));
 }
 
+TEST(Cryptography, NoticesBitsThatBelongToNoByte) {
+    const QByteArray letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    // Behind 28 bytes and two for each unit: where one byte is left over, 4 bits of the last letter go
+    // unused, and where two are, 2 bits.
+    for (const auto& [length, unused] :
+         {std::pair{0, 4}, std::pair{3, 4}, std::pair{2, 2}, std::pair{5, 2}}) {
+        const QString stored = CECryptography().crypt(QString(length, 'x'));
+        const qsizetype last = stored.indexOf('=') - 1;
+        ASSERT_EQ(stored.size() - last - 1, unused / 2) << length;
+        const auto value = letters.indexOf(stored[last].toLatin1());
+        for (int bits = 1; bits < 1 << unused; ++bits) {
+            QString changed = stored;
+            changed[last] = QLatin1Char(letters[value ^ bits]);
+            EXPECT_EQ(QString(), CECryptography().decrypt(changed)) << length << " " << bits;
+        }
+    }
+}
+
 } // namespace

@@ -8,7 +8,7 @@
 #include <xlsxcellrange.h>
 #include <xlsxworksheet.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 

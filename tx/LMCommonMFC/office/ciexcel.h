@@ -21,7 +21,8 @@ class Document;
 /// A workbook in memory. A copy shares the document without a count: only one of the two may be destroyed.
 ///
 /// A sheet is named as the workbook names it, with case; a name with letters outside code page 1252 also as
-/// getWorkSheets shows it. The members that take a name make that sheet the current one.
+/// getWorkSheets shows it; the first of several that look alike. The members that take a name make that sheet
+/// the current one.
 ///
 /// All instances together belong to one thread at a time: the path of a pending save is common to all.
 class LM_COMMONMFC_API CIExcel {
@@ -35,12 +36,13 @@ public:
     ~CIExcel();
 
     /// The text of a cell: a number as short as it reads back, a date in ISO form, "true" or "false", "=" and
-    /// the formula of a formula. Empty for an empty cell, an unknown sheet and one that holds no cells.
+    /// the formula of a formula, the kept value of an array formula. Empty for an empty cell, an unknown
+    /// sheet and one that holds no cells.
     RZString GetValue(RZString sheet, int row, int column);
     /// The text in the header row, which is the eleventh of the sheet.
     RZString GetColumnName(RZString sheet, int column);
-    /// The column from 0 whose cell in `row`, from 1, holds the name without regard to case; the first of
-    /// several. -1 if there is none and for an unknown sheet.
+    /// The column from 0 whose cell in `row`, from 1, holds the name without regard to case, by the text that
+    /// GetValue gives; the first of several. -1 if there is none and for an unknown sheet.
     int GetColumnIndex(RZString sheet, RZString columnName, int row);
 
     /// The last row or column of the range that the sheet claims to use, from 1; 0 for an unknown sheet. For

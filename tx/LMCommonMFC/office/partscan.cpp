@@ -91,13 +91,14 @@ bool PartScan::startElement() {
     if (m_formulaDepth != 0) return false;
 
     const QStringView name = m_reader.name();
-    if (name == u"c") return cell(m_reader.attributes());
+    // Elsewhere these names mean something else: a chain of calculations has its own "c".
+    if (name == u"c") return !m_hasRows || cell(m_reader.attributes());
     if (name == u"v") {
         m_inValue = m_isSharedCell;
         m_value.resize(0);
         return true;
     }
-    if (name == u"row") return row(m_reader.attributes());
+    if (name == u"row") return !m_hasRows || row(m_reader.attributes());
     if (name == u"t") {
         m_inText = m_inSharedText;
         m_fragments += m_inSharedText;
@@ -131,6 +132,8 @@ PartScan::Rule PartScan::ruleFor(QStringView name) {
         Rule rule;
     };
     static constexpr Entry kRules[] = {
+        {u"sheetData", &PartScan::rows},
+        {u"cols", &PartScan::columns},
         {u"col", &PartScan::column},
         {u"dimension", &PartScan::dimension},
         {u"mergeCell", &PartScan::range},
@@ -205,7 +208,18 @@ bool PartScan::row(const Attributes& attributes) {
     return row >= 0 && row <= kLastRow;
 }
 
+bool PartScan::rows(const Attributes&) {
+    m_hasRows = true;
+    return true;
+}
+
+bool PartScan::columns(const Attributes&) {
+    m_hasColumns = true;
+    return true;
+}
+
 bool PartScan::column(const Attributes& attributes) {
+    if (!m_hasColumns) return true;
     const int first = attributes.value(QLatin1String("min")).toInt();
     const int last = attributes.value(QLatin1String("max")).toInt();
     if (first < 0 || last > kLastColumn) return false;

@@ -7,7 +7,8 @@
 //     total += scan.cells;
 //
 // The parts are read with the parser that the library uses, so both see the same elements. The rules don't
-// ask what a part is for: any part may be named as a sheet.
+// ask what a part is for: any part may be named as a sheet. Rows and cells count once a "sheetData" was
+// opened, descriptions of columns once a "cols" was; the library looks for them nowhere else.
 #pragma once
 
 #include <QHash>
@@ -64,6 +65,8 @@ private:
 
     bool cell(const Attributes& attributes);
     bool row(const Attributes& attributes);
+    bool rows(const Attributes&);
+    bool columns(const Attributes&);
     bool column(const Attributes& attributes);
     bool range(const Attributes& attributes);
     bool dimension(const Attributes& attributes);
@@ -84,6 +87,7 @@ private:
     int m_validationDepth = 0, m_formulaDepth = 0, m_pictureDepth = 0;
     bool m_hasImage = false;
     int m_sheets = 0;
+    bool m_hasRows = false, m_hasColumns = false;
     std::int64_t m_columnSpan = 0, m_rows = 0;
     int m_lastRow = 0, m_widest = 0;
     bool m_inSharedText = false, m_inText = false;

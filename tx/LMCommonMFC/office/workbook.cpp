@@ -7,6 +7,8 @@
 
 #include <xlsxformat.h>
 
+#include <cstdio>
+
 namespace lm::office {
 
 namespace {

@@ -198,6 +198,9 @@ bool isFitWorkbook(const QByteArray& archive) {
 }
 
 bool isFitWorkbookFile(const std::string& path) {
+    // What lies on disk may be a hole of any size.
+    const auto stamp = system::stampOf(path);
+    if (!stamp || stamp->size > std::uint64_t(kLargest)) return false;
     system::FileBytes bytes;
     if (system::readWhole(path, bytes).status != system::FileStatus::kRead) return false;
     return isFitWorkbook(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));

@@ -11,7 +11,6 @@
 #include "system/path.h"
 #include "system/registry.h"
 
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>

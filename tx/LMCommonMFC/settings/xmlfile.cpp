@@ -66,8 +66,11 @@ bool isHarmless(const QByteArray& bytes) {
 bool readXml(lm::WideView path, QDomDocument& document) {
     QFile file(nativeName(path));
     if (!open(file, QIODevice::ReadOnly)) return false;
-    QByteArray bytes = file.readAll();
+    // One more than it may have, so that a file that grows meanwhile is noticed too.
+    if (file.size() > kMostBytes) return false;
+    QByteArray bytes = file.read(kMostBytes + 1);
     file.close();
+    if (bytes.size() > kMostBytes) return false;
     // The tree walks up to its root for each element that it gets, and recurses to be saved and to end: a
     // deep document would take hours or the whole stack.
     if (!isHarmless(bytes)) return false;

@@ -18,12 +18,15 @@ constexpr qsizetype kMostExpansion = 1000000;
 /// The most references of a document that declares entities of its own.
 constexpr qsizetype kMostReferences = 1000;
 
+/// The most bytes of a file that is read.
+constexpr qint64 kMostBytes = qint64(64) << 20;
+
 /// Whether a document may be parsed into a tree, by the limits above. A document that isn't well-formed may
 /// pass; parsing it stops where its fault is.
 bool isHarmless(const QByteArray& bytes);
 
-/// Reads the file into the document. False when the file can't be opened, isn't well-formed or isn't
-/// harmless; the document holds nothing of use then.
+/// Reads the file into the document. False when the file can't be opened, is too large, isn't well-formed or
+/// isn't harmless; the document holds nothing of use then.
 bool readXml(lm::WideView path, QDomDocument& document);
 
 /// Writes the document over the file, in place: truncated first, without a copy beside it, so that a write

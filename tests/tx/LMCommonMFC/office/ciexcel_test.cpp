@@ -176,6 +176,22 @@ TEST_F(Workbooks, EndWhereMoreThanFiftyRowsAreBlank) {
     }
 }
 
+TEST_F(Workbooks, CountBlankRowsWithinTheRangeOfTheSheetOnly) {
+    const auto endOf = [&](const char* range, const std::string& cells) {
+        tests::Parts parts = tests::smallWorkbook({});
+        parts["xl/worksheets/sheet1.xml"] = std::string("<worksheet><dimension ref='") + range +
+                                            "'/><sheetData>" + cells + "</sheetData></worksheet>";
+        return CIExcel(m_folder.write("range.xlsx", tests::packed(parts))).VerifyRowCount("Um");
+    };
+    EXPECT_EQ(endOf("A30:B82", {}), 35) << "rows in front of the range aren't blank ones";
+    EXPECT_EQ(endOf("A30:B80", {}), 80) << "fifty of them";
+    EXPECT_EQ(endOf("B1:C62", row(10, true)), 6) << "what stands in front of the range is no content";
+    EXPECT_EQ(endOf("A1:C62", row(10, true)), 16);
+    std::string filled;
+    for (int number = 1; number <= 60; ++number) filled += row(number, true);
+    EXPECT_EQ(endOf("A1:A60", filled), 6) << "of one column, which is the last, nothing is looked at";
+}
+
 TEST_F(Workbooks, CountOnlyWhatIsAValueAsContent) {
     // A value in row 40 that keeps the run below 51 if it counts.
     const auto endWith = [&](const std::string& cell) {
@@ -264,6 +280,33 @@ TEST_F(Workbooks, AreSavedAtTheEndToThePendingPath) {
     EXPECT_EQ(cell("in.xlsx", "S1", 0, 0), "old");
 }
 
+TEST_F(Workbooks, KeepThePendingPathWhenSavedElsewhere) {
+    {
+        CIExcel excel(workbook({{{"A1", "old"}}}));
+        excel.SetCell("S1", 0, 0, "new", m_folder.text("pending.xlsx"));
+        excel.SaveAs(m_folder.text("saved.xlsx"));
+        EXPECT_FALSE(m_folder.has("pending.xlsx"));
+        EXPECT_EQ(cell("saved.xlsx", "S1", 0, 0), "new"); // ends, and takes the path with it
+        EXPECT_TRUE(m_folder.has("pending.xlsx"));
+        excel.SetCell("S1", 0, 0, "newer", m_folder.text("pending2.xlsx"));
+        excel.SaveAs(m_folder.text("saved2.xlsx"));
+    }
+    EXPECT_EQ(cell("pending2.xlsx", "S1", 0, 0), "newer");
+    EXPECT_EQ(cell("saved2.xlsx", "S1", 0, 0), "newer");
+}
+
+TEST_F(Workbooks, SaveWhatIsTheirsToThePathOfAnother) {
+    const RZString path = workbook({{{"A1", "old"}}});
+    CIExcel second(path);
+    {
+        CIExcel first(path);
+        first.SetCell(0, 0, 0, "changed");
+        second.SetCell("S1", 0, 1, "lost", m_folder.text("out.xlsx"));
+    }
+    EXPECT_EQ(cell("out.xlsx", "S1", 0, 0), "changed");
+    EXPECT_EQ(cell("out.xlsx", "S1", 0, 1), "");
+}
+
 TEST_F(Workbooks, ForgetThePendingPathOnceSaved) {
     { CIExcel(workbook({{{"A1", "old"}}})).SetCell("S1", 0, 0, "new", m_folder.text("out.xlsx")); }
     ASSERT_TRUE(m_folder.has("out.xlsx"));
@@ -310,6 +353,8 @@ TEST_F(Workbooks, MakeFormulasAndLinksOfTextsThatLookLikeThem) {
     EXPECT_EQ(told(excel.GetValue("Sheet1", 0, 0)), "=A2+1");
     EXPECT_EQ(told(excel.GetValue("Sheet1", 1, 0)), "http://example.com/a");
     EXPECT_EQ(told(excel.GetValue("Sheet1", 2, 0)), "007");
+    EXPECT_EQ(told(excel.GetValue("Sheet1", 3, 0)), "");
+    EXPECT_EQ(excel.GetRowCount("Sheet1"), 4) << "the empty text has a cell";
     QXlsx::Document document(QString::fromStdString(m_folder.path("new.xlsx")));
     EXPECT_TRUE(document.cellAt(1, 1)->hasFormula());
     EXPECT_FALSE(document.cellAt(3, 1)->hasFormula());
@@ -329,6 +374,37 @@ TEST_F(Workbooks, NameSheetsOutsideTheCodePageByTheirNarrowForm) {
         RZString(lm::WideView(lm::system::fromUtf8("\xd0\x9b\xd0\xb8\xd1\x81\xd1\x82")))));
     EXPECT_FALSE(excel.WorkSheetExists("???"));
     EXPECT_EQ(told(excel.GetValue("????", 0, 0)), "? \xc3\xa9");
+}
+
+TEST_F(Workbooks, PreferTheSheetWhoseNameIsExact) {
+    constexpr char kSheet[] = "\xd0\x9b\xd0\xb8\xd1\x81\xd1\x82",
+                   kField[] = "\xd0\x9f\xd0\xbe\xd0\xbb\xd0\xb5";
+    const auto valueOf = [&](const std::string& first, const std::string& second, const RZString& asked) {
+        tests::Parts parts = tests::smallWorkbook("<row r='1'><c r='A1' t='str'><v>first</v></c></row>");
+        const auto replace = [](std::string& text, const std::string& from, const std::string& to) {
+            text.replace(text.find(from), from.size(), to);
+        };
+        replace(parts["xl/workbook.xml"], "'Um'", "'" + first + "'");
+        replace(parts["xl/workbook.xml"], "</sheets>",
+                "<sheet name='" + second + "' sheetId='2' r:id='rId9'/></sheets>");
+        replace(parts["xl/_rels/workbook.xml.rels"], "</Relationships>",
+                "<Relationship Id='rId9' Type='http://schemas.openxmlformats.org/officeDocument/2006/"
+                "relationships/worksheet' Target='worksheets/sheet2.xml'/></Relationships>");
+        std::string& sheet = parts["xl/worksheets/sheet2.xml"] = parts["xl/worksheets/sheet1.xml"];
+        replace(sheet, "first", "second");
+        return told(CIExcel(m_folder.write("two.xlsx", tests::packed(parts))).GetValue(asked, 0, 0));
+    };
+    const RZString exactField{lm::WideView(lm::system::fromUtf8(kField))};
+    EXPECT_EQ(valueOf(kSheet, "????", "????"), "second") << "though the first looks like it";
+    EXPECT_EQ(valueOf(kSheet, kField, "????"), "first");
+    EXPECT_EQ(valueOf(kSheet, kField, exactField), "second");
+}
+
+TEST_F(Workbooks, FindAHeaderByWhatTheyGiveOfIt) {
+    CIExcel excel(rows("<row r='1'><c r='B1' t='str'><v>\xd0\x9b\xd0\xb8</v></c></row>"));
+    EXPECT_EQ(excel.GetColumnIndex("Um", "??", 1), 1);
+    EXPECT_EQ(excel.GetColumnIndex("Um", RZString(lm::WideView(lm::system::fromUtf8("\xd0\x9b\xd0\xb8"))), 1),
+              -1);
 }
 
 TEST_F(Workbooks, OfAFileThatTheGuardRefusesHaveNoSheets) {
@@ -370,6 +446,38 @@ TEST_F(Workbooks, GiveDatesInIsoForm) {
     EXPECT_EQ(told(excel.GetValue("Um", 0, 1)), "2017-01-02T12:00:00.000");
     EXPECT_EQ(told(excel.GetValue("Um", 0, 2)), "12:00:00.000");
     EXPECT_EQ(told(excel.GetValue("Um", 0, 3)), "42737");
+    std::string& head = parts["xl/workbook.xml"];
+    head.insert(head.find("<sheets>"), "<workbookPr date1904='1'/>");
+    CIExcel later(m_folder.write("dates1904.xlsx", tests::packed(parts)));
+    EXPECT_EQ(told(later.GetValue("Um", 0, 0)), "2021-01-03") << "four years and a day later";
+}
+
+TEST_F(Workbooks, GiveReadingsBehindTheText) {
+    tests::Parts parts = tests::smallWorkbook("<row r='1'><c r='A1' t='s'><v>0</v></c></row>");
+    parts["xl/sharedStrings.xml"] =
+        "<sst><si><t>text</t><rPh sb='0' eb='4'><t>reading</t></rPh><phoneticPr fontId='1'/></si></sst>";
+    CIExcel excel(m_folder.write("reading.xlsx", tests::packed(parts)));
+    EXPECT_EQ(told(excel.GetValue("Um", 0, 0)), "textreading");
+}
+
+TEST_F(Workbooks, GiveFormulasOfRangesAndTextsWithTheFormatOfADateAsTheLibraryDoes) {
+    tests::Parts parts = tests::smallWorkbook(
+        "<row r='1'><c r='A1'><f t='array' ref='A1'>SUM(F1:F2*G1:G2)</f><v>7</v></c>"
+        "<c r='B1' s='1' t='str'><v>42737</v></c><c r='C1' s='1' t='s'><v>0</v></c>"
+        "<c r='D1' s='1' t='inlineStr'><is><t>42737</t></is></c><c r='E1' s='1' t='b'><v>1</v></c>"
+        "<c r='F1' s='1'><f>F2</f><v>42737</v></c></row>");
+    parts["xl/styles.xml"] = "<styleSheet><cellXfs count='2'><xf numFmtId='0'/>"
+                             "<xf numFmtId='14' applyNumberFormat='1'/></cellXfs></styleSheet>";
+    CIExcel excel(m_folder.write("odd.xlsx", tests::packed(parts)));
+    const QXlsx::Document document(QString::fromStdString(m_folder.path("odd.xlsx")));
+    for (int column = 0; column < 6; ++column)
+        EXPECT_EQ(told(excel.GetValue("Um", 0, column)),
+                  told(RZString(document.read(1, column + 1).toString())))
+            << column;
+    EXPECT_EQ(told(excel.GetValue("Um", 0, 0)), "7") << "of a formula of a range the kept value";
+    EXPECT_EQ(told(excel.GetValue("Um", 0, 1)), "42737");
+    EXPECT_EQ(told(excel.GetValue("Um", 0, 2)), "shared");
+    EXPECT_EQ(told(excel.GetValue("Um", 0, 5)), "=F2");
 }
 
 TEST_F(Workbooks, MoveSharedFormulasToTheirPlace) {
@@ -402,6 +510,10 @@ TEST_F(Workbooks, AreSharedByCopies) {
     copy->SetCell(0, 0, 0, "y");
     EXPECT_EQ(told(excel.GetValue("S1", 0, 0)), "y");
     static_assert(sizeof(CIExcel) == sizeof(void*));
+    CIExcel other(workbook({{{"A1", "other"}}}, "other.xlsx"));
+    *copy = other;
+    EXPECT_EQ(told(copy->GetValue("S1", 0, 0)), "other");
+    EXPECT_EQ(told(excel.GetValue("S1", 0, 0)), "y");
 }
 
 TEST(NumbersOfSheets, AreShownWithACommaAndWithoutZeros) {
@@ -418,6 +530,10 @@ TEST(NumbersOfSheets, AreShownWithACommaAndWithoutZeros) {
                                                          {"12.0000000", "12,"},
                                                          {"1.2.30", "1,2,3"},
                                                          {"7.000000.5", "7"},
-                                                         {"-3.250", "-3,25"}};
+                                                         {"-3.250", "-3,25"},
+                                                         {"100.0", "100,"},
+                                                         {".", ","},
+                                                         {".000000", ","},
+                                                         {"12..000000", "12"}};
     for (const auto& [given, shown] : cases) EXPECT_EQ(told(excel.formatarDouble(given)), shown) << given;
 }

@@ -157,6 +157,21 @@ TEST(WorkbookGuard, RefusesSheetsWhoseWalkTakesForEver) {
     EXPECT_FALSE(isFitSheet(rows, {}, "<dimension ref='A1:XFD30000'/>"));
 }
 
+TEST(WorkbookGuard, CountsCellsAndColumnsWhereTheLibraryReadsThem) {
+    // A chain of calculations in the order of columns changes its row with each formula.
+    std::string chain;
+    for (int column = 0; column < 3; ++column)
+        for (int row = 1; row <= 10000; ++row)
+            chain += std::string("<c r='XF") + "ABC"[column] + std::to_string(row) + "'/>";
+    EXPECT_TRUE(isFitWith("xl/calcChain.xml", "<calcChain>" + chain + "</calcChain>"));
+    EXPECT_FALSE(isFitWith("xl/calcChain.xml", "<sheetData>" + chain + "</sheetData>")) << "by whatever name";
+    EXPECT_TRUE(isFitWith("xl/other.xml", "<a><c/><row r='-1'/></a>"));
+    EXPECT_FALSE(isFitWith("xl/other.xml", "<a><sheetData/><c/></a>")) << "behind one, as well as in it";
+    const std::string anchors = repeated("<from><col>1</col></from>", 40000);
+    EXPECT_TRUE(isFitWith("xl/drawings/drawing1.xml", "<d>" + anchors + "</d>"));
+    EXPECT_FALSE(isFitWith("xl/drawings/drawing1.xml", "<d><cols/>" + anchors + "</d>"));
+}
+
 TEST(WorkbookGuard, RefusesStylesBelowTheFirst) {
     for (const char* const name : {"fontId", "fillId", "borderId"}) {
         const auto styles = [&](const char* value) {
@@ -220,6 +235,8 @@ TEST(WorkbookGuard, ReadsFilesOnly) {
     EXPECT_TRUE(lm::office::isFitWorkbookFile(folder.path("good.xlsx")));
     EXPECT_FALSE(lm::office::isFitWorkbookFile(folder.path("none.xlsx")));
     EXPECT_FALSE(lm::office::isFitWorkbookFile(folder.path("")));
+    std::filesystem::resize_file(folder.path("good.xlsx"), std::uintmax_t(100) << 30);
+    EXPECT_FALSE(lm::office::isFitWorkbookFile(folder.path("good.xlsx"))) << "a hole, and nothing is read";
     ASSERT_EQ(::mkfifo(folder.path("pipe.xlsx").c_str(), 0600), 0);
     EXPECT_FALSE(lm::office::isFitWorkbookFile(folder.path("pipe.xlsx"))) << "and doesn't wait";
 }

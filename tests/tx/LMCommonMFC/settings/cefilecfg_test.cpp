@@ -137,6 +137,16 @@ TEST_F(ConfigFile, IsEmptyUntilItIsLoaded) {
     EXPECT_TRUE(fs::exists(m_folder.path() / "saved.xml"));
 }
 
+TEST_F(ConfigFile, HasSectionsThatCannotBeChanged) {
+    ASSERT_TRUE(load("<a><!-- note --><?do this?><s><k v='1'/></s></a>"));
+    const std::string before = saved();
+    EXPECT_EQ(value("#comment", "k"), "");
+    EXPECT_EQ(value("do", "k"), "");
+    m_file.SetValor("#comment", "k", "2");
+    m_file.SetValor("do", "k", "2");
+    EXPECT_EQ(treeOf(saved()), treeOf(before));
+}
+
 TEST_F(ConfigFile, IsSavedOverAnotherWhole) {
     ASSERT_TRUE(load("<a><s><k v='1'/></s></a>"));
     write(m_folder.path() / "saved.xml", std::string(5000, 'x'));

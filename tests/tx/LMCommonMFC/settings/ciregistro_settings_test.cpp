@@ -193,6 +193,9 @@ TEST_F(SettingsTable, WritesNumbersWithoutALocaleAndToSixDecimals) {
     }
     layContainer("<r key='distance' value='1e300'/>");
     EXPECT_TRUE(std::isinf(m_settings.GetDistanciaLayout())) << "narrowed from a double";
+    m_settings.SetDistanciaLayout(std::numeric_limits<float>::infinity());
+    EXPECT_EQ(stored("distance"), "inf");
+    EXPECT_EQ(m_settings.GetDistanciaLayout(), 0.0f) << "which is no number to a reader";
 }
 
 TEST_F(SettingsTable, GivesNoPasswordForAForeignText) {

@@ -149,6 +149,8 @@ TEST_F(Directory, IsMadeWithAllAboveIt) {
     EXPECT_TRUE(fs::is_directory("f/g/h")) << "a relative path stays one";
     make("//" + root.substr(1) + "//i//j//");
     EXPECT_TRUE(fs::is_directory(m_folder.path() / "i/j"));
+    make("C:\\x");
+    EXPECT_TRUE(fs::is_directory("C:/x")) << "a drive is a folder like any other";
 }
 
 TEST_F(Directory, ThatCannotBeMadeIsPassedOver) {

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <random>
 
 namespace {
@@ -195,6 +197,26 @@ TEST(XmlFile, IsRefusedSoonWhenItIsDeep) {
     EXPECT_LT(timeOf(nested(200000), false), 5);
     EXPECT_LT(timeOf(nested(200000).substr(0, 1000000), false), 5) << "and cut off";
     EXPECT_LT(timeOf("<!DOCTYPE n>" + nested(200000), false), 5);
+}
+
+TEST(XmlFile, IsRefusedUnreadWhenItIsLarge) {
+    const std::string path = testing::TempDir() + "lm_xmlfile_large_" + std::to_string(::getpid());
+    std::ofstream(path) << "<a/>" << std::string(100, ' ');
+    const auto isRead = [&](std::uintmax_t size) {
+        std::filesystem::resize_file(path, size);
+        QDomDocument document;
+        return lm::settings::readXml(lm::system::fromUtf8(path), document);
+    };
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(isRead(std::uintmax_t(100) << 30)) << "a hole on the disk";
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_TRUE(isRead(104));
+    // One too many, and each of them well-formed.
+    std::ofstream(path) << "<a>" << std::string(std::size_t(lm::settings::kMostBytes) - 7, ' ') << "</a>";
+    EXPECT_TRUE(isRead(std::uintmax_t(lm::settings::kMostBytes)));
+    std::ofstream(path, std::ios::app) << ' ';
+    EXPECT_FALSE(isRead(std::uintmax_t(lm::settings::kMostBytes) + 1));
+    std::remove(path.c_str());
 }
 
 TEST(XmlFile, HasAPath) {
