@@ -11,7 +11,8 @@ namespace lmtools {
 /// The layer of the settings carrier.
 inline constexpr char kCarrierLayer[] = "RZ_FREEZE";
 
-/// The applications under which the settings carrier keeps the order of a group's pages; the group's name follows.
+/// The applications under which the settings carrier keeps the order of a group's pages; the group's name
+/// follows.
 inline constexpr char kOrderOfPages[] = "RZ_ORDEM_PAG_";
 
 /// Whether a layer of this name can be a page: any but "0", the one of the settings carrier, and those that

@@ -65,7 +65,7 @@ RZString CIRegistro::GetRegistryValue(RZString path, RZString name) {
 }
 
 RZString CIRegistro::GetCaminhoTemp() {
-    const RZString folder(lm::WideView(lm::system::temporaryFolder()));
+    const RZString folder{lm::WideView(lm::system::temporaryFolder())};
     CreateFullDirectory(folder);
     return folder;
 }
